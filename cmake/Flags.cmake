@@ -1,0 +1,14 @@
+# orv_warnings  what every file of the project is compiled with
+# orv_numerics  what makes results the same for every build: no contraction, no reassociation, and the
+#               baseline instruction set; benchmarks use it too, so that their loops face the same rules
+add_library(orv_warnings INTERFACE)
+target_compile_options(orv_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion)
+
+add_library(orv_numerics INTERFACE)
+target_compile_options(orv_numerics INTERFACE
+  -march=x86-64 -mfpmath=sse -ffp-contract=off -fno-math-errno)
+
+if(ORV_SANITIZE)
+  add_compile_options(-fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ORV_SANITIZE})
+endif()

@@ -1,0 +1,448 @@
+/**
+ * @file gauss.h
+ * Log-likelihoods of feature vectors under Gaussians and Gaussian mixtures.
+ */
+#ifndef ORVSR_GAUSS_H
+#define ORVSR_GAUSS_H
+
+#include "orvsr/types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * @defgroup loggauss Scores of a block of frames under one Gaussian
+ *
+ *     pResult[f] = gconst - 1/2 * sum over j of (x[f][j] - pMean[j])^2 * pVar[j]
+ *                                            f = 0 .. frames - 1,  j = 0 .. featLen - 1
+ *
+ * the log-likelihood of each frame under a Gaussian with diagonal covariance.
+ *
+ * Arguments:
+ * - pSrc, step: frames rows of featLen values, a row every step elements (step >= featLen); or ppSrc: frames
+ *   pointers to rows of featLen values, which are not tested for null.
+ * - pMean: featLen means.
+ * - pVar: featLen inverse variances; they are not tested, and a negative one or a NaN flows through. The IdVar forms
+ *   take all variances as 1 and have no such argument.
+ * - featLen: values in a frame, 1 or more.
+ * - pResult: frames scores, written.
+ * - frames: number of frames, 1 or more.
+ * - gconst: additive constant of the Gaussian: the log of its mixture weight less half of the constant that
+ *   orvsUpdateGConst_32f() computes.
+ * - scaleFactor: of the integer forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in the Sfs
+ *   forms and before it in the Scaled forms.
+ *
+ * The 32f and 64f forms double gconst, subtract the terms from it and halve the result, all in their own type.
+ * Frames are taken in groups of four, then one by one; the grouping of a sum depends on the alignment of the
+ * group's fourth row (_D2) or of pVar (_D2L, and frames left over; pMean in the IdVar forms), so the score of a frame
+ * may differ in its last bits by its place in the block. Saturation is silent.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Scores of 32f frames in one array with a row step, inverse variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_32f_D2(const float *pSrc, int32_t step, const float *pMean, const float *pVar,
+                                      int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Scores of 32f frames in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
+                                       int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Scores of 64f frames in one array with a row step, inverse variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                      const double *pVar, int32_t featLen, double *pResult, int32_t frames,
+                                      double gconst);
+
+/**
+ * Scores of 64f frames in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
+                                       int32_t featLen, double *pResult, int32_t frames, double gconst);
+
+/**
+ * Scores of 16s frames in one array with a row step, inverse variances: an exact 64-bit sum S, and gconst -
+ * (S >> (scaleFactor + 1)), saturated to 32 bits. The shift rounds S down.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                            const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                            int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in row pointers, inverse variances: an exact 64-bit sum S, and gconst - (S >>
+ * (scaleFactor + 1)), saturated to 32 bits. The shift rounds S down.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                             const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                             int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in one array with a row step, inverse variances: an exact 64-bit sum S, and gconst -
+ * (S >> (scaleFactor + 1)), of which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                                int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in row pointers, inverse variances: an exact 64-bit sum S, and gconst - (S >>
+ * (scaleFactor + 1)), of which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                 const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                                 int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in one array with a row step, inverse variances: a 32f sum S, and gconst - S * factor
+ * with factor = 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                const int16_t *pVar, int32_t featLen, float *pResult,
+                                                int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 16s frames in row pointers, inverse variances: a 32f sum S, and gconst - S * factor with factor =
+ * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                 const int16_t *pVar, int32_t featLen, float *pResult,
+                                                 int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 16s frames in one array with a row step, inverse variances: a 32f sum S, and gconst - S * factor
+ * with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                   const int16_t *pVar, int32_t featLen, float *pResult,
+                                                   int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 16s frames in row pointers, inverse variances: a 32f sum S, and gconst - S * factor with factor =
+ * 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                    const int16_t *pVar, int32_t featLen, float *pResult,
+                                                    int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 32f frames in one array with a row step, unit variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean,
+                                            int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Scores of 32f frames in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean, int32_t featLen,
+                                             float *pResult, int32_t frames, float gconst);
+
+/**
+ * Scores of 64f frames in one array with a row step, unit variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                            int32_t featLen, double *pResult, int32_t frames, double gconst);
+
+/**
+ * Scores of 64f frames in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean, int32_t featLen,
+                                             double *pResult, int32_t frames, double gconst);
+
+/**
+ * Scores of 16s frames in one array with a row step, unit variances: an exact 64-bit sum S, and gconst - (S
+ * >> (scaleFactor + 1)), saturated to 32 bits. The shift rounds S down.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                  int32_t featLen, int32_t *pResult, int32_t frames,
+                                                  int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in row pointers, unit variances: an exact 64-bit sum S, and gconst - (S >>
+ * (scaleFactor + 1)), saturated to 32 bits. The shift rounds S down.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                   int32_t featLen, int32_t *pResult, int32_t frames,
+                                                   int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in one array with a row step, unit variances: an exact 64-bit sum S, and gconst - (S
+ * >> (scaleFactor + 1)), of which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                     int32_t featLen, int32_t *pResult, int32_t frames,
+                                                     int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in row pointers, unit variances: an exact 64-bit sum S, and gconst - (S >>
+ * (scaleFactor + 1)), of which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                      int32_t featLen, int32_t *pResult, int32_t frames,
+                                                      int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Scores of 16s frames in one array with a row step, unit variances: a 32f sum S, and gconst - S * factor
+ * with factor = 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                     int32_t featLen, float *pResult, int32_t frames,
+                                                     int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 16s frames in row pointers, unit variances: a 32f sum S, and gconst - S * factor with factor =
+ * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                      int32_t featLen, float *pResult, int32_t frames,
+                                                      int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 16s frames in one array with a row step, unit variances: a 32f sum S, and gconst - S * factor
+ * with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
+                                                        const int16_t *pMean, int32_t featLen, float *pResult,
+                                                        int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Scores of 16s frames in row pointers, unit variances: a 32f sum S, and gconst - S * factor with factor =
+ * 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGauss_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                         int32_t featLen, float *pResult, int32_t frames,
+                                                         int32_t scaleFactor, float gconst);
+
+/** @} */
+
+/**
+ * @defgroup loggaussmixture Score of a vector under a mixture of Gaussians
+ *
+ *     *pResult = log(sum over m of exp(score[m]))                                  m = 0 .. nMix - 1
+ *     score[m] = pGConst[m] - 1/2 * sum over j of (pSrc[j] - mean[m][j])^2 * var[m][j]
+ *
+ * The components are taken strictly in order. The score of component 0 starts the running value; each further score is
+ * folded in by accurate log-addition (see @ref logadd), in the type of the result: a term that lies further below
+ * the other than the drop threshold is left out, and only then is the running value raised to the floor (-4.5e6; for
+ * 64f, -1e10 below -9e9). So a mixture of one component is never floored.
+ *
+ * Arguments:
+ * - pSrc: the vector, featLen values.
+ * - pMean, pVar, step: nMix rows of means and of inverse variances, a row of either every step elements
+ *   (step >= featLen); or ppMean, ppVar: nMix pointers each to rows of featLen values, not tested for null. Inverse
+ *   variances are not tested. The IdVar forms take all variances as 1 and have no such argument.
+ * - nMix: number of components, 1 or more.
+ * - featLen: values in a vector, 1 or more.
+ * - pGConst: nMix additive constants, each the log of the component's weight less half of the constant that
+ *   orvsUpdateGConst_32f() computes; orvsOutProbPreCalc_32f() forms them.
+ * - pResult: one value, written after every component and never read.
+ * - scaleFactor: of the 16s forms, any value.
+ *
+ * A component's sum is formed as in @ref loggauss, in groups of four components; the deciding pointer is the
+ * fourth variance row of a group and the own variance row of a component left over (mean rows in the IdVar forms), or
+ * pSrc with row pointers.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Mixture score of a 32f vector; components in matrices with a row step, inverse variances.
+ * orvStsNullPtrErr, orvStsStrideErr (featLen above step), orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_32f_D2(const float *pSrc, const float *pMean, const float *pVar,
+                                             int32_t nMix, int32_t step, int32_t featLen,
+                                             const float *pGConst, float *pResult);
+
+/**
+ * Mixture score of a 32f vector; components in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_32f_D2L(const float *pSrc, const float *const *ppMean,
+                                              const float *const *ppVar, int32_t nMix, int32_t featLen,
+                                              const float *pGConst, float *pResult);
+
+/**
+ * Mixture score of a 64f vector; components in matrices with a row step, inverse variances.
+ * orvStsNullPtrErr, orvStsStrideErr (featLen above step), orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_64f_D2(const double *pSrc, const double *pMean, const double *pVar,
+                                             int32_t nMix, int32_t step, int32_t featLen,
+                                             const double *pGConst, double *pResult);
+
+/**
+ * Mixture score of a 64f vector; components in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_64f_D2L(const double *pSrc, const double *const *ppMean,
+                                              const double *const *ppVar, int32_t nMix, int32_t featLen,
+                                              const double *pGConst, double *pResult);
+
+/**
+ * Mixture score of a 16s vector; components in matrices with a row step, inverse variances. With S the 32f
+ * sum of a component, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_Scaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean,
+                                                       const int16_t *pVar, int32_t nMix, int32_t step,
+                                                       int32_t featLen, const float *pGConst, float *pResult,
+                                                       int32_t scaleFactor);
+
+/**
+ * Mixture score of a 16s vector; components in row pointers, inverse variances. With S the 32f sum of a
+ * component, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_Scaled_16s32f_D2L(const int16_t *pSrc, const int16_t *const *ppMean,
+                                                        const int16_t *const *ppVar, int32_t nMix,
+                                                        int32_t featLen, const float *pGConst, float *pResult,
+                                                        int32_t scaleFactor);
+
+/**
+ * Mixture score of a 16s vector; components in matrices with a row step, inverse variances. With S the 32f
+ * sum of a component, its score is pGConst[m] - (S * 0.5) * 2^-scaleFactor.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_LowScaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean,
+                                                          const int16_t *pVar, int32_t nMix, int32_t step,
+                                                          int32_t featLen, const float *pGConst,
+                                                          float *pResult, int32_t scaleFactor);
+
+/**
+ * Mixture score of a 16s vector; components in row pointers, inverse variances. With S the 32f sum of a
+ * component, its score is pGConst[m] - (S * 0.5) * 2^-scaleFactor.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_LowScaled_16s32f_D2L(const int16_t *pSrc, const int16_t *const *ppMean,
+                                                           const int16_t *const *ppVar, int32_t nMix,
+                                                           int32_t featLen, const float *pGConst,
+                                                           float *pResult, int32_t scaleFactor);
+
+/**
+ * Mixture score of a 32f vector; components in matrices with a row step, unit variances.
+ * orvStsNullPtrErr, orvStsStrideErr (featLen above step), orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVar_32f_D2(const float *pSrc, const float *pMean, int32_t nMix,
+                                                   int32_t step, int32_t featLen, const float *pGConst,
+                                                   float *pResult);
+
+/**
+ * Mixture score of a 32f vector; components in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVar_32f_D2L(const float *pSrc, const float *const *ppMean,
+                                                    int32_t nMix, int32_t featLen, const float *pGConst,
+                                                    float *pResult);
+
+/**
+ * Mixture score of a 64f vector; components in matrices with a row step, unit variances.
+ * orvStsNullPtrErr, orvStsStrideErr (featLen above step), orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVar_64f_D2(const double *pSrc, const double *pMean, int32_t nMix,
+                                                   int32_t step, int32_t featLen, const double *pGConst,
+                                                   double *pResult);
+
+/**
+ * Mixture score of a 64f vector; components in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVar_64f_D2L(const double *pSrc, const double *const *ppMean,
+                                                    int32_t nMix, int32_t featLen, const double *pGConst,
+                                                    double *pResult);
+
+/**
+ * Mixture score of a 16s vector; components in matrices with a row step, unit variances. With S the 32f sum
+ * of a component, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVarScaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean,
+                                                            int32_t nMix, int32_t step, int32_t featLen,
+                                                            const float *pGConst, float *pResult,
+                                                            int32_t scaleFactor);
+
+/**
+ * Mixture score of a 16s vector; components in row pointers, unit variances. With S the 32f sum of a
+ * component, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVarScaled_16s32f_D2L(const int16_t *pSrc,
+                                                             const int16_t *const *ppMean, int32_t nMix,
+                                                             int32_t featLen, const float *pGConst,
+                                                             float *pResult, int32_t scaleFactor);
+
+/**
+ * Mixture score of a 16s vector; components in matrices with a row step, unit variances. With S the 32f sum
+ * of a component, its score is pGConst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean,
+                                                               int32_t nMix, int32_t step, int32_t featLen,
+                                                               const float *pGConst, float *pResult,
+                                                               int32_t scaleFactor);
+
+/**
+ * Mixture score of a 16s vector; components in row pointers, unit variances. With S the 32f sum of a
+ * component, its score is pGConst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or nMix below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2L(const int16_t *pSrc,
+                                                                const int16_t *const *ppMean, int32_t nMix,
+                                                                int32_t featLen, const float *pGConst,
+                                                                float *pResult, int32_t scaleFactor);
+
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+#endif

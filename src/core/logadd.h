@@ -1,0 +1,157 @@
+// log(1 + exp(d)) for d <= 0 by polynomials in three segments, and the log-additions built on it.
+//
+// The value at d is c0 + H(u) * u: u is the distance of d from the upper end of its segment, c0 the constant
+// term of the segment's polynomial and H the Horner value of its other coefficients.
+
+#ifndef ORV_CORE_LOGADD_H
+#define ORV_CORE_LOGADD_H
+
+#include <cmath>
+
+namespace orv {
+
+// Coefficients, highest power first. The single-precision forms use the tables of degree 10, the
+// double-precision forms those of degree 21.
+extern const double P1_F[11];
+extern const double P2_F[11];
+extern const double P3_F[11];
+extern const double P1[22];
+extern const double P2[22];
+extern const double P3[22];
+
+// Quadratics a, b, c over cells of equal width, for the fast path. Row 0 is never read.
+extern const float QIP1_F1[65][4];
+
+void GetLogAddConst(const double *&p1, const double *&p2, const double *&p3);
+void GetLogAddConst_F(const double *&p1, const double *&p2, const double *&p3);
+
+// The log domain of the 32f and integer forms.
+struct LogDomain32f {
+  using Value = float;
+  static constexpr int degree = 10;
+  static constexpr double dropBelow = -15.3195879547406;  // -ln(4.5e6)
+  static constexpr double firstEnd = -2.55;
+  static constexpr double secondEnd = -6.8;
+  static constexpr double zero = -4.5e6;
+
+  const double *segments[3];
+  LogDomain32f() { GetLogAddConst_F(segments[0], segments[1], segments[2]); }
+
+  // Raises what lies below log-zero. A NaN passes.
+  static double floored(double m) { return m < zero ? zero : m; }
+};
+
+// The log domain of the 64f forms.
+struct LogDomain64f {
+  using Value = double;
+  static constexpr int degree = 21;
+  static constexpr double dropBelow = -23.0258509299405;  // -ln(1e10)
+  static constexpr double firstEnd = -3.5;
+  static constexpr double secondEnd = -9.0;
+  static constexpr double zero = -1e10;
+
+  const double *segments[3];
+  LogDomain64f() { GetLogAddConst(segments[0], segments[1], segments[2]); }
+
+  // The limit and the value differ: everything below -9e9 becomes -1e10.
+  static double floored(double m) { return -9e9 > m ? zero : m; }
+};
+
+// The segment of a difference and its place in it. A NaN falls into the last one.
+struct LogSegment {
+  const double *coefficients;
+  double u;
+
+  template <class Domain>
+  LogSegment(const Domain &domain, double d) {
+    if (d > Domain::firstEnd) {
+      coefficients = domain.segments[0];
+      u = d;
+    } else if (d > Domain::secondEnd) {
+      coefficients = domain.segments[1];
+      u = d - Domain::firstEnd;
+    } else {
+      coefficients = domain.segments[2];
+      u = d - Domain::secondEnd;
+    }
+  }
+};
+
+// All coefficients but the constant term.
+template <int degree>
+inline double horner(const double *coefficients, double u) {
+  double h = coefficients[0];
+  for (int i = 1; i < degree; ++i) h = h * u + coefficients[i];
+  return h;
+}
+
+// How the three terms of a sum in the log domain are put together. The two families differ on purpose; the
+// difference is one of last bits.
+enum class Grouping {
+  constantFirst,  // (m + c0) + H u: log-addition of vectors, log-sums, running log-sums
+  constantLast,   // (m + H u) + c0: mixtures
+};
+
+template <Grouping grouping>
+inline double logTerms(double m, double c0, double hu) {
+  return grouping == Grouping::constantFirst ? (m + c0) + hu : (m + hu) + c0;
+}
+
+// The sum for a difference that is not dropped, in double precision.
+template <Grouping grouping, class Domain>
+inline double logTail(const Domain &domain, double m, double d) {
+  const LogSegment s(domain, d);
+  return logTerms<grouping>(m, s.coefficients[Domain::degree],
+                            horner<Domain::degree>(s.coefficients, s.u) * s.u);
+}
+
+// The polynomial of degree 10 evaluated in pairs: the same value up to rounding, from a third of the latency.
+inline double estrin10(const double *c, double u) {
+  const double u2 = u * u;
+  const double u4 = u2 * u2;
+  const double low = (c[9] + c[8] * u) + (c[7] + c[6] * u) * u2;
+  const double high = (c[5] + c[4] * u) + (c[3] + c[2] * u) * u2;
+  const double top = c[1] + c[0] * u;
+  return (low + high * u4) + top * (u4 * u4);
+}
+
+// As logTail, rounded to single: the result of a running sum whose next step waits for it. Horner's chain
+// would be most of that wait, so the paired form is taken wherever both must round to the same single value.
+// On the segments the sum of |c_k u^k| stays below 3.5, so that either form is within 22 * 2^-53 * 3.5 <
+// 9e-15 of the polynomial; the two additions of m put at most 2^-51 (|m| + 4) between them. If everything
+// within slack of the quick value rounds to one single value, that is the value; otherwise (about once in 1e7
+// steps, and for a NaN) Horner decides.
+template <Grouping grouping>
+inline float logTailRounded(const LogDomain32f &domain, double m, double d) {
+  const LogSegment s(domain, d);
+  const double c0 = s.coefficients[LogDomain32f::degree];
+  const double quick = logTerms<grouping>(m, c0, estrin10(s.coefficients, s.u) * s.u);
+  const double slack = std::fabs(m) * 0x1p-49 + 4e-14;
+  const auto rounded = static_cast<float>(quick);
+  if (static_cast<float>(quick - slack) == static_cast<float>(quick + slack)) [[likely]]
+    return rounded;
+  return static_cast<float>(
+      logTerms<grouping>(m, c0, horner<LogDomain32f::degree>(s.coefficients, s.u) * s.u));
+}
+
+// One step of a running log-sum: the larger value and the difference, formed in the type of the values, then
+// the drop with its floor or the polynomial.
+template <Grouping grouping>
+inline float logAddStep(const LogDomain32f &domain, float running, float score) {
+  const float m = running > score ? running : score;
+  const double d = running > score ? -(running - score) : running - score;
+  if (LogDomain32f::dropBelow > d) return static_cast<float>(LogDomain32f::floored(m));
+  return logTailRounded<grouping>(domain, m, d);
+}
+
+template <Grouping grouping>
+inline double logAddStep(const LogDomain64f &domain, double running, double score) {
+  const double m = running > score ? running : score;
+  const double d = running > score ? -(running - score) : running - score;
+  if (LogDomain64f::dropBelow > d) return LogDomain64f::floored(m);
+  return logTail<grouping>(domain, m, d);
+}
+
+}  // namespace orv
+
+#endif

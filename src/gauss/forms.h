@@ -1,0 +1,67 @@
+// The number forms of a scoring loop: how elements are read, and in which type differences, products and sums
+// are formed. Each form works on one element, on a vector of neighbouring elements, and on the same element
+// of four rows.
+
+#ifndef ORV_GAUSS_FORMS_H
+#define ORV_GAUSS_FORMS_H
+
+#include <cstdint>
+
+#include "primitives/memory.h"
+#include "primitives/simd.h"
+
+namespace orv::gauss {
+
+// Single precision throughout.
+struct Single {
+  using Elem = float;
+  using Sum = float;
+  using Lanes = simd::f32x4;
+  using Four = simd::f32x4;
+  static constexpr bool peels = true;  // sums are grouped by the alignment of an argument
+
+  static Sum value(const Elem *p) { return load(p); }
+  static Lanes values(const Elem *p) { return simd::load4(p); }
+  static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
+  static Lanes firstLane(Sum v) { return simd::firstLane4(v); }
+  static Four four(Sum a, Sum b, Sum c, Sum d) { return simd::pack4(a, b, c, d); }
+  static Four splat(Sum v) { return simd::splat4(v); }
+  static Four loadFour(const Sum *p) { return simd::load4(p); }
+  static void storeFour(Sum *p, Four v) { simd::store4(p, v); }
+};
+
+// Double precision throughout.
+struct Double {
+  using Elem = double;
+  using Sum = double;
+  using Lanes = simd::f64x2;
+  using Four = simd::f64x4;
+  static constexpr bool peels = true;
+
+  static Sum value(const Elem *p) { return load(p); }
+  static Lanes values(const Elem *p) { return simd::load2(p); }
+  static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
+  static Lanes firstLane(Sum v) { return simd::firstLane2(v); }
+  static Four four(Sum a, Sum b, Sum c, Sum d) { return {simd::pack2(a, b), simd::pack2(c, d)}; }
+  static Four splat(Sum v) { return {simd::splat2(v), simd::splat2(v)}; }
+  static Four loadFour(const Sum *p) { return {simd::load2(p), simd::load2(p + 2)}; }
+  static void storeFour(Sum *p, Four v) {
+    simd::store2(p, v.low);
+    simd::store2(p + 2, v.high);
+  }
+};
+
+// 16-bit integers, converted exactly; then single precision. The difference of two of them is exact in either
+// type.
+struct Converted : Single {
+  using Elem = std::int16_t;
+  static constexpr bool peels = false;  // groups start at the first element
+
+  static Sum value(const Elem *p) { return static_cast<Sum>(load(p)); }
+  static Lanes values(const Elem *p) { return simd::toSingle(simd::loadWidened4(p)); }
+  static Lanes differences(const Elem *a, const Elem *b) { return simd::toSingle(simd::difference4(a, b)); }
+};
+
+}  // namespace orv::gauss
+
+#endif

@@ -1,0 +1,96 @@
+// What a scoring loop knows of its rows: the two layouts of a matrix, and the two ways in which rows and
+// vectors meet. Each says which operands a row has, and which pointer's alignment decides how a sum is
+// grouped.
+
+#ifndef ORV_GAUSS_ROWS_H
+#define ORV_GAUSS_ROWS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "gauss/distance.h"
+#include "primitives/memory.h"
+
+namespace orv::gauss {
+
+// One array, a row every step elements.
+template <class T>
+struct StridedRows {
+  using Elem = T;
+  static constexpr bool strided = true;
+  const T *base;
+  std::int32_t step;
+  const T *row(std::int32_t r) const { return base + static_cast<std::ptrdiff_t>(r) * step; }
+};
+
+// An array of row pointers.
+template <class T>
+struct RowPointers {
+  using Elem = T;
+  static constexpr bool strided = false;
+  const T *const *rows;
+  const T *row(std::int32_t r) const { return rows[r]; }
+};
+
+// Many frames against one Gaussian: the rows are frames, mean and weights are shared. Without weighting,
+// weights is the mean as well, which is also the pointer that then decides.
+template <class Rows>
+struct FrameBlock {
+  using Elem = typename Rows::Elem;
+  Rows frames;
+  const Elem *mean;
+  const Elem *weights;
+
+  Row<Elem> one(std::int32_t r) const { return {frames.row(r), mean, weights}; }
+  FourRows<Elem> four(std::int32_t r) const {
+    return {{frames.row(r), frames.row(r + 1), frames.row(r + 2), frames.row(r + 3)},
+            {mean, mean, mean, mean},
+            {weights, weights, weights, weights}};
+  }
+  const Elem *decidingOne(std::int32_t) const { return weights; }
+  const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? frames.row(r + 3) : weights; }
+};
+
+// One vector against many Gaussians: means and weights are rows, the vector is shared. Without weighting,
+// weights are the means as well.
+template <class Rows>
+struct ComponentBlock {
+  using Elem = typename Rows::Elem;
+  Rows means;
+  Rows weights;
+  const Elem *vector;
+
+  Row<Elem> one(std::int32_t r) const { return {means.row(r), vector, weights.row(r)}; }
+  FourRows<Elem> four(std::int32_t r) const {
+    return {{means.row(r), means.row(r + 1), means.row(r + 2), means.row(r + 3)},
+            {vector, vector, vector, vector},
+            {weights.row(r), weights.row(r + 1), weights.row(r + 2), weights.row(r + 3)}};
+  }
+  const Elem *decidingOne(std::int32_t r) const { return Rows::strided ? weights.row(r) : vector; }
+  const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? weights.row(r + 3) : vector; }
+};
+
+// The gconst of a row: one for all, or one each.
+template <class T>
+struct OneConstant {
+  T gconst;
+  T one(std::int32_t) const { return gconst; }
+  template <class Form>
+  typename Form::Four four(std::int32_t) const {
+    return Form::splat(gconst);
+  }
+};
+template <class T>
+struct RowConstants {
+  const T *gconst;
+  T one(std::int32_t r) const { return load(gconst + r); }
+  template <class Form>
+  typename Form::Four four(std::int32_t r) const {
+    return Form::loadFour(gconst + r);
+  }
+};
+
+}  // namespace orv::gauss
+
+#endif

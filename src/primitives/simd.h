@@ -1,0 +1,164 @@
+// The only place that names machine instructions: four single or two double lanes, and the pairs of them that
+// sums with two accumulators are written on. Built for a wider machine a pair may become one register; the
+// lanes, and the order in which they are finally added, stay the same.
+//
+// Loads and stores take any address.
+
+#ifndef ORV_PRIMITIVES_SIMD_H
+#define ORV_PRIMITIVES_SIMD_H
+
+#include <emmintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace orv::simd {
+
+struct i32x4 {
+  __m128i v;
+};
+
+struct f32x4 {
+  static constexpr int lanes = 4;
+  __m128 v;
+};
+
+struct f64x2 {
+  static constexpr int lanes = 2;
+  __m128d v;
+};
+
+// --- four single lanes
+
+inline f32x4 load4(const float *p) { return {_mm_loadu_ps(p)}; }
+inline void store4(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
+inline f32x4 splat4(float a) { return {_mm_set1_ps(a)}; }
+inline f32x4 firstLane4(float a) { return {_mm_set_ss(a)}; }
+inline f32x4 operator+(f32x4 a, f32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
+inline f32x4 operator-(f32x4 a, f32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }
+inline f32x4 operator*(f32x4 a, f32x4 b) { return {_mm_mul_ps(a.v, b.v)}; }
+inline f32x4 operator*(f32x4 a, float b) { return a * splat4(b); }
+inline f32x4 operator/(f32x4 a, f32x4 b) { return {_mm_div_ps(a.v, b.v)}; }
+// a > b ? a : b, and a < b ? a : b: the second operand where either is a NaN.
+inline f32x4 max(f32x4 a, f32x4 b) { return {_mm_max_ps(a.v, b.v)}; }
+inline f32x4 min(f32x4 a, f32x4 b) { return {_mm_min_ps(a.v, b.v)}; }
+inline f32x4 operator<(f32x4 a, f32x4 b) { return {_mm_cmplt_ps(a.v, b.v)}; }
+inline f32x4 operator>(f32x4 a, f32x4 b) { return {_mm_cmpgt_ps(a.v, b.v)}; }
+inline f32x4 operator<=(f32x4 a, f32x4 b) { return {_mm_cmple_ps(a.v, b.v)}; }
+inline f32x4 operator==(f32x4 a, f32x4 b) { return {_mm_cmpeq_ps(a.v, b.v)}; }
+inline f32x4 operator&(f32x4 a, f32x4 b) { return {_mm_and_ps(a.v, b.v)}; }
+inline f32x4 operator|(f32x4 a, f32x4 b) { return {_mm_or_ps(a.v, b.v)}; }
+inline f32x4 operator^(f32x4 a, f32x4 b) { return {_mm_xor_ps(a.v, b.v)}; }
+inline f32x4 andNot(f32x4 mask, f32x4 a) { return {_mm_andnot_ps(mask.v, a.v)}; }
+// mask ? a : b, lane by lane.
+inline f32x4 select(f32x4 mask, f32x4 a, f32x4 b) { return (mask & a) | andNot(mask, b); }
+// The sign bits of the lanes, lane 0 lowest.
+inline int signs(f32x4 a) { return _mm_movemask_ps(a.v); }
+inline f32x4 signBits4() { return splat4(-0.0F); }
+inline f32x4 sqrt(f32x4 a) { return {_mm_sqrt_ps(a.v)}; }
+inline float firstOf(f32x4 a) { return _mm_cvtss_f32(a.v); }
+
+// --- two double lanes
+
+inline f64x2 load2(const double *p) { return {_mm_loadu_pd(p)}; }
+inline void store2(double *p, f64x2 a) { _mm_storeu_pd(p, a.v); }
+inline f64x2 splat2(double a) { return {_mm_set1_pd(a)}; }
+inline f64x2 firstLane2(double a) { return {_mm_set_sd(a)}; }
+inline f64x2 pack2(double a, double b) { return {_mm_set_pd(b, a)}; }
+inline f64x2 operator+(f64x2 a, f64x2 b) { return {_mm_add_pd(a.v, b.v)}; }
+inline f64x2 operator-(f64x2 a, f64x2 b) { return {_mm_sub_pd(a.v, b.v)}; }
+inline f64x2 operator*(f64x2 a, f64x2 b) { return {_mm_mul_pd(a.v, b.v)}; }
+inline f64x2 operator/(f64x2 a, f64x2 b) { return {_mm_div_pd(a.v, b.v)}; }
+inline f64x2 max(f64x2 a, f64x2 b) { return {_mm_max_pd(a.v, b.v)}; }
+inline f64x2 min(f64x2 a, f64x2 b) { return {_mm_min_pd(a.v, b.v)}; }
+inline f64x2 operator<(f64x2 a, f64x2 b) { return {_mm_cmplt_pd(a.v, b.v)}; }
+inline f64x2 operator>(f64x2 a, f64x2 b) { return {_mm_cmpgt_pd(a.v, b.v)}; }
+inline f64x2 operator==(f64x2 a, f64x2 b) { return {_mm_cmpeq_pd(a.v, b.v)}; }
+inline f64x2 operator&(f64x2 a, f64x2 b) { return {_mm_and_pd(a.v, b.v)}; }
+inline f64x2 operator|(f64x2 a, f64x2 b) { return {_mm_or_pd(a.v, b.v)}; }
+inline f64x2 operator^(f64x2 a, f64x2 b) { return {_mm_xor_pd(a.v, b.v)}; }
+inline f64x2 andNot(f64x2 mask, f64x2 a) { return {_mm_andnot_pd(mask.v, a.v)}; }
+inline f64x2 select(f64x2 mask, f64x2 a, f64x2 b) { return (mask & a) | andNot(mask, b); }
+inline int signs(f64x2 a) { return _mm_movemask_pd(a.v); }
+inline f64x2 sqrt(f64x2 a) { return {_mm_sqrt_pd(a.v)}; }
+inline double firstOf(f64x2 a) { return _mm_cvtsd_f64(a.v); }
+
+// --- between the two
+
+inline f64x2 widenLow(f32x4 a) { return {_mm_cvtps_pd(a.v)}; }
+inline f64x2 widenHigh(f32x4 a) { return {_mm_cvtps_pd(_mm_movehl_ps(a.v, a.v))}; }
+inline f32x4 narrow(f64x2 low, f64x2 high) {
+  return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))};
+}
+// Two singles from any address, widened.
+inline f64x2 loadWidened2(const float *p) {
+  double bits;
+  std::memcpy(&bits, p, sizeof bits);
+  return {_mm_cvtps_pd(_mm_castpd_ps(_mm_set_sd(bits)))};
+}
+
+// --- final sums: the order is part of the results
+
+inline float sumLanes(f32x4 a) {
+  const __m128 pairs = _mm_add_ps(a.v, _mm_movehl_ps(a.v, a.v));  // 0 + 2, 1 + 3
+  return _mm_cvtss_f32(_mm_add_ss(pairs, _mm_shuffle_ps(pairs, pairs, 1)));
+}
+inline double sumLanes(f64x2 a) { return _mm_cvtsd_f64(_mm_add_sd(a.v, _mm_unpackhi_pd(a.v, a.v))); }
+
+// --- 16-bit integers in four lanes
+
+// Four 16-bit values from any address, in the low half.
+inline __m128i loadHalf16(const std::int16_t *p) {
+  return _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p));
+}
+inline i32x4 loadWidened4(const std::int16_t *p) {
+  const __m128i a = loadHalf16(p);
+  return {_mm_srai_epi32(_mm_unpacklo_epi16(a, a), 16)};
+}
+// a[i] - b[i] for four 16-bit values, exact.
+inline i32x4 difference4(const std::int16_t *a, const std::int16_t *b) {
+  const __m128i plusMinus = _mm_set1_epi32(static_cast<int>(0xFFFF0001U));
+  return {_mm_madd_epi16(_mm_unpacklo_epi16(loadHalf16(a), loadHalf16(b)), plusMinus)};
+}
+inline f32x4 toSingle(i32x4 a) { return {_mm_cvtepi32_ps(a.v)}; }
+inline f64x2 toDoubleLow(i32x4 a) { return {_mm_cvtepi32_pd(a.v)}; }
+
+// --- pairs
+
+struct f32x8 {
+  static constexpr int lanes = 8;
+  f32x4 low, high;
+};
+inline f32x8 operator+(f32x8 a, f32x8 b) { return {a.low + b.low, a.high + b.high}; }
+inline f32x8 operator-(f32x8 a, f32x8 b) { return {a.low - b.low, a.high - b.high}; }
+inline f32x8 operator*(f32x8 a, f32x8 b) { return {a.low * b.low, a.high * b.high}; }
+inline float sumLanes(f32x8 a) { return sumLanes(a.low + a.high); }
+
+struct f64x4 {
+  static constexpr int lanes = 4;
+  f64x2 low, high;
+};
+inline f64x4 operator+(f64x4 a, f64x4 b) { return {a.low + b.low, a.high + b.high}; }
+inline f64x4 operator-(f64x4 a, f64x4 b) { return {a.low - b.low, a.high - b.high}; }
+inline f64x4 operator*(f64x4 a, f64x4 b) { return {a.low * b.low, a.high * b.high}; }
+inline f64x4 operator*(f64x4 a, double b) { return {a.low * splat2(b), a.high * splat2(b)}; }
+inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
+
+// --- the same element of four rows
+
+inline f32x4 pack4(float a, float b, float c, float d) { return {_mm_setr_ps(a, b, c, d)}; }
+
+// The final sums of four rows at once, each in the order of sumLanes.
+inline f32x4 sumLanesOfFour(f32x4 a, f32x4 b, f32x4 c, f32x4 d) {
+  const __m128 ab = _mm_add_ps(_mm_unpacklo_ps(a.v, b.v), _mm_unpackhi_ps(a.v, b.v));
+  const __m128 cd = _mm_add_ps(_mm_unpacklo_ps(c.v, d.v), _mm_unpackhi_ps(c.v, d.v));
+  return {_mm_add_ps(_mm_movelh_ps(ab, cd), _mm_movehl_ps(cd, ab))};
+}
+inline f64x4 sumLanesOfFour(f64x2 a, f64x2 b, f64x2 c, f64x2 d) {
+  return {{_mm_add_pd(_mm_unpacklo_pd(a.v, b.v), _mm_unpackhi_pd(a.v, b.v))},
+          {_mm_add_pd(_mm_unpacklo_pd(c.v, d.v), _mm_unpackhi_pd(c.v, d.v))}};
+}
+
+}  // namespace orv::simd
+
+#endif
