@@ -1,4 +1,19 @@
-#ifndef ORVSR_X_train
-#define ORVSR_X_train
+/**
+ * @file train.h
+ * What a trainer needs between passes over the data.
+ */
+#ifndef ORVSR_TRAIN_H
+#define ORVSR_TRAIN_H
+
 #include "orvsr/types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---------------------------------------------------------------- model parameter updates */
+
+#ifdef __cplusplus
+}
+#endif
 #endif
