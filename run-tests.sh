@@ -8,7 +8,7 @@ scripts/install-packages.sh build hosts tests speech
 launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 build() {
-  cmake --preset "$1" -DORV_BUILD_BENCH=OFF "${launcher[@]}" >/dev/null
+  cmake --preset "$1" "${launcher[@]}" >/dev/null
   cmake --build --preset "$1" "${@:2}"
 }
 

@@ -8,7 +8,10 @@
 #include "orvsr/core.h"
 #include "orvsr/frontend.h"
 #include "orvsr/gauss.h"
+#include "orvsr/resample.h"
+#include "orvsr/robust.h"
 #include "orvsr/train.h"
 #include "orvsr/types.h"
+#include "orvsr/vq.h"
 
 #endif
