@@ -1,0 +1,161 @@
+// Gaussian scoring.
+
+#include "orvsr/gauss.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "bench/data.h"
+#include "bench/ratio.h"
+
+#if ORV_BENCH_EIGEN
+#include <Eigen/Core>
+#endif
+
+namespace orv::bench {
+namespace {
+
+float plainScore(const float *x, const float *mean, const float *var, std::int32_t len, float gconst) {
+  float sum = gconst + gconst;
+  for (std::int32_t j = 0; j < len; ++j) {
+    const float d = x[j] - mean[j];
+    sum -= d * d * var[j];
+  }
+  return sum * 0.5F;
+}
+
+// --- many frames, one Gaussian
+
+struct Frames {
+  static constexpr std::int32_t count = 1000;
+  std::int32_t len;
+  Array<float> x, mean, var, scores;
+
+  explicit Frames(std::int32_t featLen)
+      : len(featLen),
+        x(uniform<float>(static_cast<std::size_t>(count * len), -2.0, 2.0, 1)),
+        mean(uniform<float>(static_cast<std::size_t>(len), -1.0, 1.0, 2)),
+        var(uniform<float>(static_cast<std::size_t>(len), 0.5, 2.0, 3)),
+        scores(count) {}
+};
+
+[[gnu::noinline]] void plainLogGauss(Frames &in) {
+  for (std::int32_t f = 0; f < in.count; ++f)
+    in.scores[static_cast<std::size_t>(f)] = plainScore(&in.x[static_cast<std::size_t>(f * in.len)],
+                                                        in.mean.data(), in.var.data(), in.len, -30.0F);
+}
+
+#if ORV_BENCH_EIGEN
+[[gnu::noinline]] void eigenLogGauss(Frames &in) {
+  using Row = Eigen::Array<float, 1, Eigen::Dynamic>;
+  const Eigen::Map<const Eigen::Array<float, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>> x(
+      in.x.data(), in.count, in.len);
+  const Eigen::Map<const Row> mean(in.mean.data(), in.len);
+  const Eigen::Map<const Row> var(in.var.data(), in.len);
+  Eigen::Map<Eigen::ArrayXf> scores(in.scores.data(), in.count);
+  for (std::int32_t f = 0; f < in.count; ++f)
+    scores[f] = -30.0F - 0.5F * ((x.row(f) - mean).square() * var).sum();
+}
+#endif
+
+// Dependent additions of one cycle each: a known number of cycles, whatever the clock.
+[[gnu::noinline]] void waitCycles(std::int64_t cycles) {
+  std::int64_t sum = 0;
+  const std::int64_t one = 1;
+  for (std::int64_t i = 0; i < cycles; i += 16)
+    asm volatile(
+        "add %1, %0\n add %1, %0\n add %1, %0\n add %1, %0\n"
+        "add %1, %0\n add %1, %0\n add %1, %0\n add %1, %0\n"
+        "add %1, %0\n add %1, %0\n add %1, %0\n add %1, %0\n"
+        "add %1, %0\n add %1, %0\n add %1, %0\n add %1, %0\n"
+        : "+r"(sum)
+        : "r"(one));
+}
+
+template <class Score>
+auto frames(std::int32_t len, Score score) {
+  return [len, score] { return [score, in = Frames(len)]() mutable { score(in); }; };
+}
+
+void addFrameBlocks() {
+  const auto ours = [](Frames &in) {
+    orvsLogGauss_32f_D2(in.x.data(), in.len, in.mean.data(), in.var.data(), in.len, in.scores.data(),
+                        in.count, -30.0F);
+  };
+  // Two subtractions and two multiplications for four values on three ports: a third of a cycle each.
+  Case("gauss/LogGauss_32f_D2/40")
+      .ours(frames(40, ours))
+      .peer("arithmetic limit", 1.0 / 1.15, frames(40, [](Frames &in) { waitCycles(in.count * in.len / 3); }))
+      .peer("plain scalar", 0.0, frames(40, plainLogGauss));
+  Case odd("gauss/LogGauss_32f_D2/39");
+  odd.ours(frames(39, ours)).peer("plain scalar", 4.0, frames(39, plainLogGauss));
+#if ORV_BENCH_EIGEN
+  odd.peer("Eigen", 1.3, frames(39, eigenLogGauss));
+#else
+  odd.absentPeer("Eigen");
+#endif
+}
+
+// --- one vector, a mixture
+
+struct Components {
+  static constexpr std::int32_t count = 32;
+  static constexpr std::int32_t len = 39;
+  Array<float> x = uniform<float>(len, -2.0, 2.0, 1);
+  Array<float> mean = uniform<float>(count * len, -1.0, 1.0, 2);
+  Array<float> var = uniform<float>(count * len, 0.5, 2.0, 3);
+  Array<float> gconst;
+  float score = 0.0F;
+
+  // Component scores of the given distribution round -50.
+  explicit Components(double spread) : gconst(uniform<float>(count, -50.0 - spread, -50.0 + spread, 4)) {
+    for (std::size_t m = 0; m < count; ++m)
+      gconst[m] -= plainScore(x.data(), &mean[m * len], &var[m * len], len, 0.0F);
+  }
+};
+
+[[gnu::noinline]] void plainMixture(Components &in) {
+  float sum = 0.0F;
+  for (std::size_t m = 0; m < in.count; ++m) {
+    const float score =
+        plainScore(in.x.data(), &in.mean[m * in.len], &in.var[m * in.len], in.len, in.gconst[m]);
+    if (m == 0) {
+      sum = score;
+      continue;
+    }
+    const double larger = sum > score ? sum : score;
+    const double d = sum > score ? score - sum : sum - score;
+    sum = static_cast<float>(d < -15.3195879547406 ? larger : larger + std::log1p(std::exp(d)));
+  }
+  in.score = sum;
+}
+
+template <class Score>
+auto components(double spread, Score score) {
+  return [spread, score] { return [score, in = Components(spread)]() mutable { score(in); }; };
+}
+
+void addMixtures() {
+  const auto ours = [](Components &in) {
+    orvsLogGaussMixture_32f_D2(in.x.data(), in.mean.data(), in.var.data(), in.count, in.len, in.len,
+                               in.gconst.data(), &in.score);
+  };
+  // Scores spread over 400, so that all but a few lie below the best by more than the drop threshold; and
+  // over 10, so that none does.
+  Case("gauss/LogGaussMixture_32f_D2/most")
+      .ours(components(200.0, ours))
+      .peer("plain scalar", 4.0, components(200.0, plainMixture));
+  Case("gauss/LogGaussMixture_32f_D2/none")
+      .ours(components(5.0, ours))
+      .peer("plain scalar", 2.0, components(5.0, plainMixture));
+}
+
+}  // namespace
+
+void addGaussCases() {
+  addFrameBlocks();
+  addMixtures();
+}
+
+}  // namespace orv::bench

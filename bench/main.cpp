@@ -1,0 +1,31 @@
+// orv_bench: all cases, or those that --benchmark_filter selects. The flags of Google Benchmark apply.
+
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "bench/ratio.h"
+
+namespace orv::bench {
+void addCoreCases();
+void addGaussCases();
+}  // namespace orv::bench
+
+int main(int argc, char **argv) {
+  // Contenders take turns in random order, so that whatever else the machine does falls on all of them.
+  char repetitions[] = "--benchmark_repetitions=15";
+  char interleaving[] = "--benchmark_enable_random_interleaving=true";
+  char time[] = "--benchmark_min_time=0.03";
+  std::vector<char *> arguments{argv[0], repetitions, interleaving, time};
+  arguments.insert(arguments.end(), argv + 1, argv + argc);
+  int count = static_cast<int>(arguments.size());
+  arguments.push_back(nullptr);
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
+
+  orv::bench::addCoreCases();
+  orv::bench::addGaussCases();
+  orv::bench::RatioTable table;
+  benchmark::RunSpecifiedBenchmarks(&table);
+  return 0;
+}

@@ -1,0 +1,83 @@
+// Cases: a loop of the library beside peers that do the same work, measured in the same run.
+//
+//     Case("gauss/LogGauss_32f_D2/39")
+//         .ours([] { return [in = Frames(39)]() mutable { orvsLogGauss_32f_D2(...); }; })
+//         .peer("plain scalar", 4.0, [] { return [in = Frames(39)]() mutable { logGauss(...); }; });
+//
+// Each contender is given as a function that prepares its data and returns the work of one iteration. After
+// the run a table shows for each peer the ratio of its time to ours, and whether it reaches the target.
+
+#ifndef ORV_BENCH_RATIO_H
+#define ORV_BENCH_RATIO_H
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orv::bench {
+
+struct Peer {
+  std::string caseName;
+  std::string name;
+  double target;           // least ratio aimed at, 0 where none is
+  double fixedTime = 0.0;  // seconds, for a peer that is not run
+};
+
+class Case {
+ public:
+  explicit Case(const std::string &name) : name_(name) {}
+
+  template <class Prepare>
+  Case &ours(Prepare prepare) {
+    return contender("ours", prepare);
+  }
+  template <class Prepare>
+  Case &peer(const std::string &name, double target, Prepare prepare) {
+    peers().push_back({name_, name, target});
+    return contender(name, prepare);
+  }
+  // A peer whose time is known: the duration of the signal that is worked on, say.
+  Case &fixedPeer(const std::string &name, double target, double seconds) {
+    peers().push_back({name_, name, target, seconds});
+    return *this;
+  }
+  Case &absentPeer(const std::string &name) {
+    peers().push_back({name_, name, 0.0, -1.0});
+    return *this;
+  }
+
+  static std::vector<Peer> &peers();
+
+ private:
+  template <class Prepare>
+  Case &contender(const std::string &contender, Prepare prepare) {
+    benchmark::RegisterBenchmark((name_ + "/" + contender).c_str(), [prepare](benchmark::State &state) {
+      auto work = prepare();
+      for (auto _ : state) {
+        work();
+        benchmark::ClobberMemory();
+      }
+    });
+    return *this;
+  }
+
+  std::string name_;
+};
+
+// Collects the processor time of every repetition; writes the table of medians and ratios when all are done.
+class RatioTable : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context &) override { return true; }
+  void ReportRuns(const std::vector<Run> &runs) override;
+  void Finalize() override;
+
+ private:
+  // Seconds of one iteration, for each repetition of each contender.
+  std::map<std::string, std::vector<double>> times_;
+};
+
+}  // namespace orv::bench
+
+#endif
