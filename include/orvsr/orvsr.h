@@ -8,6 +8,7 @@
 #include "orvsr/core.h"
 #include "orvsr/frontend.h"
 #include "orvsr/gauss.h"
+#include "orvsr/matrix.h"
 #include "orvsr/resample.h"
 #include "orvsr/robust.h"
 #include "orvsr/train.h"

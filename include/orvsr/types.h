@@ -92,6 +92,12 @@ enum {
   orvDeltaEnd = 2    /**< the last source row is the last frame of the utterance */
 };
 
+/** A block-diagonal matrix of 16-bit elements; read-only once built. */
+typedef struct OrvBlockDMatrix_16s OrvBlockDMatrix_16s;
+/** A block-diagonal matrix of single-precision elements; read-only once built. */
+typedef struct OrvBlockDMatrix_32f OrvBlockDMatrix_32f;
+/** A block-diagonal matrix of double-precision elements; read-only once built. */
+typedef struct OrvBlockDMatrix_64f OrvBlockDMatrix_64f;
 /** A filter bank with single-precision weights. */
 typedef struct OrvsFBankState_32f OrvsFBankState_32f;
 /** A filter bank with Q14 integer weights. */
