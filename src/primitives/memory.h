@@ -38,8 +38,9 @@ inline std::int32_t alignedHead(const T *p, std::int32_t len) {
 }
 
 // Null pointers first, then the length: the order of every routine of this folder.
-inline OrvStatus checkArrays(std::int32_t len, const void *a, const void *b = "", const void *c = "") {
-  if (a == nullptr || b == nullptr || c == nullptr) return orvStsNullPtrErr;
+inline OrvStatus checkArrays(std::int32_t len, const void *a, const void *b = "", const void *c = "",
+                             const void *d = "") {
+  if (a == nullptr || b == nullptr || c == nullptr || d == nullptr) return orvStsNullPtrErr;
   if (len < 1) return orvStsSizeErr;
   return orvStsNoErr;
 }

@@ -56,6 +56,8 @@ inline f32x4 select(f32x4 mask, f32x4 a, f32x4 b) { return (mask & a) | andNot(m
 inline int signs(f32x4 a) { return _mm_movemask_ps(a.v); }
 inline f32x4 signBits4() { return splat4(-0.0F); }
 inline f32x4 sqrt(f32x4 a) { return {_mm_sqrt_ps(a.v)}; }
+// The processor's estimate of 1 / a, good to about 12 bits.
+inline float approximateReciprocal(float a) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(a))); }
 inline float firstOf(f32x4 a) { return _mm_cvtss_f32(a.v); }
 
 // --- two double lanes
