@@ -62,6 +62,16 @@ struct Converted : Single {
   static Lanes differences(const Elem *a, const Elem *b) { return simd::toSingle(simd::difference4(a, b)); }
 };
 
+// Single-precision elements, widened one by one; then double precision.
+struct Widened : Double {
+  using Elem = float;
+  static constexpr bool peels = false;
+
+  static Sum value(const Elem *p) { return static_cast<Sum>(load(p)); }
+  static Lanes values(const Elem *p) { return simd::loadWidened2(p); }
+  static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
+};
+
 }  // namespace orv::gauss
 
 #endif

@@ -55,7 +55,7 @@ OrvStatus orvsLogGauss_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
-                                               ExactScore{plusOne(scaleFactor), true}, StoreExact{pResult});
+                                               ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
 }
 
@@ -66,7 +66,7 @@ OrvStatus orvsLogGauss_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t 
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
-                                               ExactScore{plusOne(scaleFactor), true}, StoreExact{pResult});
+                                               ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
 }
 
@@ -77,7 +77,7 @@ OrvStatus orvsLogGauss_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
-                                               ExactScore{plusOne(scaleFactor), false}, StoreExact{pResult});
+                                               ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
 }
 
@@ -88,7 +88,7 @@ OrvStatus orvsLogGauss_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int1
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
-                                               ExactScore{plusOne(scaleFactor), false}, StoreExact{pResult});
+                                               ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
 }
 
@@ -187,7 +187,7 @@ OrvStatus orvsLogGauss_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, con
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
-                                    ExactScore{plusOne(scaleFactor), true}, StoreExact{pResult});
+                                    ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
 }
 
@@ -198,7 +198,7 @@ OrvStatus orvsLogGauss_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const in
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
-                                    ExactScore{plusOne(scaleFactor), true}, StoreExact{pResult});
+                                    ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
 }
 
@@ -209,7 +209,7 @@ OrvStatus orvsLogGauss_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, 
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
-                                    ExactScore{plusOne(scaleFactor), false}, StoreExact{pResult});
+                                    ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
 }
 
@@ -220,7 +220,7 @@ OrvStatus orvsLogGauss_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
-                                    ExactScore{plusOne(scaleFactor), false}, StoreExact{pResult});
+                                    ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
 }
 

@@ -57,16 +57,69 @@ struct HalvedScaledSum : ScaledSum {
   }
 };
 
-// gconst - (sum >> factor), saturated or wrapped to 32 bits. The sum is positive when it is shifted, so it
-// rounds down and the score up.
-struct ExactScore {
-  std::int64_t shift;
-  bool saturated;
-  std::int32_t operator()(std::int64_t sum, std::int32_t gconst) const {
-    const std::int64_t score = subWrap64(gconst, shiftSum(sum, shift));
-    return saturated ? sat32(score) : wrap32(score);
+// gconst - sum / 2: the scores of single vectors. See DoubledConstant.
+template <class T>
+struct HalvedSum {
+  using Fold = Add;
+  template <class V>
+  V start(V) const {
+    return V{};
+  }
+  template <class V>
+  V finish(V sum, V gconst) const {
+    return gconst - sum * T{0.5};
   }
 };
+
+// The sum itself: a distance, without the 1/2 and with no constant.
+struct PlainSum {
+  using Fold = Add;
+  template <class V>
+  V start(V) const {
+    return V{};
+  }
+  template <class V>
+  V finish(V sum, V) const {
+    return sum;
+  }
+};
+
+// Exact integer scores, in 64 bits and modulo them; their sinks saturate or wrap to 32.
+//
+// gconst - (sum >> shift). The sum is positive when it is shifted: it rounds down, and the score up.
+struct ExactScore {
+  std::int64_t shift;
+  std::int64_t operator()(std::int64_t sum, std::int32_t gconst) const {
+    return subWrap64(gconst, shiftSum(sum, shift));
+  }
+};
+
+// gconst + (-sum >> shift), for running maxima. The sum is negated before it is shifted, so the score rounds
+// down and may come out 1 below that of ExactScore. The difference is meant, and callers rely on either.
+struct NegatedExactScore {
+  std::int64_t shift;
+  std::int64_t operator()(std::int64_t sum, std::int32_t gconst) const {
+    return addWrap64(gconst, shiftSum(subWrap64(0, sum), shift));
+  }
+};
+
+// The score of one row. The alignment of `deciding` groups its sum, in the forms that care.
+template <class Form, Weighting weighting, class Score>
+inline typename Form::Sum scoreRow(const Row<typename Form::Elem> &row, std::int32_t len,
+                                   const typename Form::Elem *deciding, typename Form::Sum gconst,
+                                   const Score &score) {
+  const std::int32_t head = Form::peels ? alignedHead(deciding, len) : 0;
+  const auto sum = sumRow<Form, weighting, typename Score::Fold>(row, len, head, score.start(gconst));
+  return score.finish(sum, gconst);
+}
+
+// The scores of rows one by one, from row r on.
+template <class Form, Weighting weighting, class Block, class Constants, class Score, class Sink>
+inline void scoreRowsSingly(std::int32_t r, std::int32_t rows, std::int32_t len, const Block &block,
+                            const Constants &constants, const Score &score, Sink &&sink) {
+  for (; r < rows; ++r)
+    sink.one(r, scoreRow<Form, weighting>(block.one(r), len, block.decidingOne(r), constants.one(r), score));
+}
 
 // The scores of all rows: four at a time, for the count rounded down to a multiple of four, then one by one.
 // A group's four scores are complete before the sink sees the first.
@@ -81,12 +134,7 @@ inline void scoreRows(std::int32_t rows, std::int32_t len, const Block &block, c
     const auto sums = sumFourRows<Form, weighting, Fold>(block.four(r), len, head, score.start(gconst));
     sink.four(r, score.finish(sums, gconst));
   }
-  for (; r < rows; ++r) {
-    const std::int32_t head = Form::peels ? alignedHead(block.decidingOne(r), len) : 0;
-    const typename Form::Sum gconst = constants.one(r);
-    const auto sum = sumRow<Form, weighting, Fold>(block.one(r), len, head, score.start(gconst));
-    sink.one(r, score.finish(sum, gconst));
-  }
+  scoreRowsSingly<Form, weighting>(r, rows, len, block, constants, score, sink);
 }
 
 // The same for exact integer sums, where groups change nothing.

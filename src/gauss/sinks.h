@@ -3,8 +3,10 @@
 #ifndef ORV_GAUSS_SINKS_H
 #define ORV_GAUSS_SINKS_H
 
+#include <algorithm>
 #include <cstdint>
 
+#include "core/integer.h"
 #include "core/logadd.h"
 #include "gauss/forms.h"
 #include "primitives/memory.h"
@@ -19,13 +21,56 @@ struct Store {
   void one(std::int32_t r, typename Form::Sum score) const { store(result + r, score); }
 };
 
-struct StoreExact {
+// Exact scores in 32 bits: saturated, or their low half, which wraps silently. The two are meant to differ.
+struct StoreSaturated {
   std::int32_t *result;
-  void one(std::int32_t r, std::int32_t score) const { store(result + r, score); }
+  void one(std::int32_t r, std::int64_t score) const { store(result + r, sat32(score)); }
+};
+struct StoreWrapped {
+  std::int32_t *result;
+  void one(std::int32_t r, std::int64_t score) const { store(result + r, wrap32(score)); }
 };
 
-// The log-sum of all scores, strictly in the order of the rows. The first score starts it; what the result
-// held before is never read.
+// The result keeps the greater of what it holds and the score; a NaN score leaves it as it is.
+template <class Form>
+struct KeepMaximum {
+  typename Form::Sum *result;
+  void four(std::int32_t r, typename Form::Four scores) const {
+    Form::storeFour(result + r, max(scores, Form::loadFour(result + r)));
+  }
+  void one(std::int32_t r, typename Form::Sum score) const {
+    if (score > load(result + r)) store(result + r, score);
+  }
+};
+
+struct KeepMaximumSaturated {
+  std::int32_t *result;
+  void one(std::int32_t r, std::int64_t score) const {
+    store(result + r, std::max(load(result + r), sat32(score)));
+  }
+};
+
+// The comparison is made in 64 bits and only then is the score cut to 32: one beyond them wins, and wraps as
+// it is stored. This is meant; KeepMaximumSaturated differs.
+struct KeepMaximumWrapped {
+  std::int32_t *result;
+  void one(std::int32_t r, std::int64_t score) const {
+    if (score >= load(result + r)) store(result + r, wrap32(score));
+  }
+};
+
+// The result grows by the score, in the log domain.
+template <class Form, class Domain>
+struct AddLog {
+  typename Form::Sum *result;
+  Domain domain;
+  void one(std::int32_t r, typename Form::Sum score) const {
+    store(result + r, logAddStep<Grouping::constantFirst>(domain, load(result + r), score));
+  }
+};
+
+// The log-sum of all scores, in another grouping of its additions than AddLog's; strictly in the order of the
+// rows. The first score starts it; what the result held before is never read.
 template <class Form, class Domain>
 class Mixture {
  public:

@@ -144,6 +144,7 @@ inline f64x4 operator+(f64x4 a, f64x4 b) { return {a.low + b.low, a.high + b.hig
 inline f64x4 operator-(f64x4 a, f64x4 b) { return {a.low - b.low, a.high - b.high}; }
 inline f64x4 operator*(f64x4 a, f64x4 b) { return {a.low * b.low, a.high * b.high}; }
 inline f64x4 operator*(f64x4 a, double b) { return {a.low * splat2(b), a.high * splat2(b)}; }
+inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 
 // --- the same element of four rows
