@@ -12,6 +12,250 @@ extern "C" {
 #endif
 
 /**
+ * @defgroup loggausssingle Score of one vector under one Gaussian
+ *
+ *     *pResult = gconst - 1/2 * sum over j of (pSrc[j] - pMean[j])^2 * w[j]               j = 0 .. len - 1
+ *
+ * the log-likelihood of the vector, with w[j] = pVar[j], an inverse variance; w[j] = 1 in the IdVar forms;
+ * and w[j] = 1 / pVar[j], pVar[j] being a variance, in the DirectVar forms. In the BlockDVar forms the sum is
+ * the quadratic form d' M d of the differences d, with M a block-diagonal inverse covariance (see
+ * @ref blockdmatrix).
+ *
+ * Arguments:
+ * - pSrc, pMean: the vector and the mean, len values each.
+ * - pVar: len inverse variances, or variances in the DirectVar forms. Only a zero variance is looked for:
+ *   negative values and NaNs flow through.
+ * - pBlockDMatrix: inverse covariance with len rows in all; read only.
+ * - len: values in a vector, 1 or more.
+ * - pResult: one value, written on success only.
+ * - gconst: additive constant of the Gaussian: the log of its mixture weight less half of the constant that
+ *   orvsUpdateGConst_32f() computes.
+ * - scaleFactor: of the integer forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in
+ *   the Sfs forms and before it in the Scaled forms.
+ *
+ * Half of the sum is subtracted from gconst at the very end, so these scores may differ in their last bits
+ * from those of @ref loggauss, whose constant enters the sum. The 32f and 64f sums are grouped by the
+ * alignment of pVar (pMean in the IdVar forms). The DirectVar forms add strictly from first to last.
+ * Saturation is silent.
+ *
+ * The BlockDVar forms form the differences of a block, the dot product of each of its rows with them, and add
+ * the products of those with the differences. From len 112 on they allocate the differences.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Score of a 32f vector, inverse variances, in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_32f(const float *pSrc, const float *pMean, const float *pVar,
+                                         int32_t len, float *pResult, float gconst);
+
+/**
+ * Score of a 32f vector, inverse variances; every value is widened and all work done in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_32f64f(const float *pSrc, const float *pMean, const float *pVar,
+                                            int32_t len, double *pResult, double gconst);
+
+/**
+ * Score of a 64f vector, inverse variances, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_64f(const double *pSrc, const double *pMean, const double *pVar,
+                                         int32_t len, double *pResult, double gconst);
+
+/**
+ * Score of a 16s vector, inverse variances: an exact 64-bit sum S, and gconst - (S >> (scaleFactor + 1)),
+ * saturated to 32 bits. The shift rounds S down, and so the score up; orvsLogGaussMax_16s32s_D2Sfs() rounds
+ * it down.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean,
+                                                const int16_t *pVar, int32_t len, int32_t *pResult,
+                                                int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Score of a 16s vector, inverse variances: an exact 64-bit sum S, and gconst - (S >> (scaleFactor + 1)), of
+ * which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_Low_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean,
+                                                    const int16_t *pVar, int32_t len, int32_t *pResult,
+                                                    int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Score of a 16s vector, inverse variances: a 32f sum S, and gconst - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_Scaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
+                                                   const int16_t *pVar, int32_t len, float *pResult,
+                                                   int32_t scaleFactor, float gconst);
+
+/**
+ * Score of a 16s vector, inverse variances: a 32f sum S, and gconst - (S * 0.5) * 2^-scaleFactor.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_LowScaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
+                                                      const int16_t *pVar, int32_t len, float *pResult,
+                                                      int32_t scaleFactor, float gconst);
+
+/**
+ * Score of a 32f vector, unit variances, in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVar_32f(const float *pSrc, const float *pMean, int32_t len,
+                                               float *pResult, float gconst);
+
+/**
+ * Score of a 32f vector, unit variances; every value is widened and all work done in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVar_32f64f(const float *pSrc, const float *pMean, int32_t len,
+                                                  double *pResult, double gconst);
+
+/**
+ * Score of a 64f vector, unit variances, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVar_64f(const double *pSrc, const double *pMean, int32_t len,
+                                               double *pResult, double gconst);
+
+/**
+ * Score of a 16s vector, unit variances: an exact 64-bit sum S, and gconst - (S >> (scaleFactor + 1)),
+ * saturated to 32 bits. The shift rounds S down, and so the score up; orvsLogGaussMax_16s32s_D2Sfs() rounds
+ * it down.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVar_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean, int32_t len,
+                                                      int32_t *pResult, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Score of a 16s vector, unit variances: an exact 64-bit sum S, and gconst - (S >> (scaleFactor + 1)), of
+ * which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVarLow_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean,
+                                                         int32_t len, int32_t *pResult, int32_t gconst,
+                                                         int32_t scaleFactor);
+
+/**
+ * Score of a 16s vector, unit variances: a 32f sum S, and gconst - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVarScaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
+                                                        int32_t len, float *pResult, int32_t scaleFactor,
+                                                        float gconst);
+
+/**
+ * Score of a 16s vector, unit variances: a 32f sum S, and gconst - (S * 0.5) * 2^-scaleFactor.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_IdVarLowScaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
+                                                           int32_t len, float *pResult, int32_t scaleFactor,
+                                                           float gconst);
+
+/**
+ * Score of a 32f vector, variances; all work in 64f, rounded once.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (a variance is zero; nothing written),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_DirectVar_32f(const float *pSrc, const float *pMean, const float *pVar,
+                                                   int32_t len, float *pResult, float gconst);
+
+/**
+ * Score of a 32f vector, variances; every value is widened and all work done in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (a variance is zero; nothing written),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_DirectVar_32f64f(const float *pSrc, const float *pMean,
+                                                      const float *pVar, int32_t len, double *pResult,
+                                                      double gconst);
+
+/**
+ * Score of a 64f vector, variances, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (a variance is zero; nothing written),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_DirectVar_64f(const double *pSrc, const double *pMean,
+                                                   const double *pVar, int32_t len, double *pResult,
+                                                   double gconst);
+
+/**
+ * Score of a 16s vector, variances, in integers. The squares of (pSrc[j] - pMean[j]) * 256 are divided by
+ * pVar[j], truncated towards zero and added in 64 bits; the sum is divided by 2^n, n = scaleFactor + 17,
+ * rounded half up by a shift right with 2^(n-1) added before (n above 0; for scaleFactor above 14 the term
+ * added is 1 shifted in 32 bits by n - 1 modulo 32, as a signed number), or shifted left (n below 0); gconst
+ * less that is saturated to 32 bits.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (a variance is zero; nothing written),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_DirectVar_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean,
+                                                          const int16_t *pVar, int32_t len, int32_t *pResult,
+                                                          int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Score of a 16s vector, variances: squares, quotients and their sum S in 32f, and gconst - S *
+ * (2^-scaleFactor * 0.5).
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (a variance is zero; nothing written),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_DirectVarScaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
+                                                            const int16_t *pVar, int32_t len, float *pResult,
+                                                            int32_t scaleFactor, float gconst);
+
+/**
+ * Score of a 32f vector, block-diagonal inverse covariance; the sum in 32f, the last step in 64f, rounded
+ * once.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1, or not the number of rows), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_BlockDVar_32f(const float *pSrc, const float *pMean,
+                                                   const OrvBlockDMatrix_32f *pBlockDMatrix, int32_t len,
+                                                   float *pResult, float gconst);
+
+/**
+ * Score of a 32f vector, block-diagonal inverse covariance; differences in 32f, all else in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1, or not the number of rows), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_BlockDVar_32f64f(const float *pSrc, const float *pMean,
+                                                      const OrvBlockDMatrix_32f *pBlockDMatrix, int32_t len,
+                                                      double *pResult, double gconst);
+
+/**
+ * Score of a 64f vector, block-diagonal inverse covariance, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1, or not the number of rows), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_BlockDVar_64f(const double *pSrc, const double *pMean,
+                                                   const OrvBlockDMatrix_64f *pBlockDMatrix, int32_t len,
+                                                   double *pResult, double gconst);
+
+/**
+ * Score of a 16s vector, block-diagonal inverse covariance. A difference enters the dot products saturated
+ * to 16 bits; as their multiplier it is exact, in 32f, times 2^-scaleFactor. gconst less half of the sum, in
+ * 32f, is saturated to 32 bits and truncated towards zero. From len 112 on the call keeps the len + 1
+ * elements that it allocates: they are never released.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1, or not the number of rows), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_BlockDVar_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean,
+                                                          const OrvBlockDMatrix_16s *pBlockDMatrix,
+                                                          int32_t len, int32_t *pResult, int32_t gconst,
+                                                          int32_t scaleFactor);
+
+/**
+ * Score of a 16s vector, block-diagonal inverse covariance. A difference enters the dot products saturated
+ * to 16 bits; as their multiplier it is exact, in 32f. With S the 32f sum, gconst - (S * 0.5) *
+ * 2^-scaleFactor.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1, or not the number of rows), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussSingle_BlockDVarScaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
+                                                            const OrvBlockDMatrix_16s *pBlockDMatrix,
+                                                            int32_t len, float *pResult, int32_t scaleFactor,
+                                                            float gconst);
+
+/** @} */
+
+/**
  * @defgroup loggauss Scores of a block of frames under one Gaussian
  *
  *     pResult[f] = gconst - 1/2 * sum over j of (x[f][j] - pMean[j])^2 * pVar[j]

@@ -22,8 +22,8 @@ extern "C" {
  * Arguments of InitAlloc:
  * - ppMatrix: receives the object; written on success only.
  * - ppSrc: one pointer for each row of the whole matrix, in order: the first pBlockSizes[0] of them to the
- * rows of the first block, and so on. A row holds as many elements as its block is wide. The row pointers are
- * not tested for null, and the rows are copied.
+ *   rows of the first block, and so on. A row holds as many elements as its block is wide. The row pointers
+ *   are not tested for null, and the rows are copied.
  * - pBlockSizes: blockCount widths (= heights) of blocks, each 1 or more.
  * - blockCount: number of blocks, 1 or more.
  *

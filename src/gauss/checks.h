@@ -14,6 +14,13 @@ inline bool anyNull(const Pointers *...pointers) {
   return (... || (pointers == nullptr));
 }
 
+// Pointers, length: all members that take one vector and one Gaussian.
+template <class... Pointers>
+inline OrvStatus checkSingle(std::int32_t len, const Pointers *...pointers) {
+  if (anyNull(pointers...)) return orvStsNullPtrErr;
+  return len < 1 ? orvStsSizeErr : orvStsNoErr;
+}
+
 // Stride, pointers, sizes: most `_D2` members. A row that does not fit is reported even where a pointer is
 // null.
 template <class... Pointers>

@@ -106,8 +106,8 @@ inline const std::vector<std::int32_t> &scaleFactors() {
 }
 
 // gconst - sum / 2^(scaleFactor + 1) by shifts, saturated or wrapped.
-inline std::int32_t exactScore(std::int64_t sum, std::int32_t gconst, std::int32_t scaleFactor, bool wraps) {
-  const std::int64_t n = std::int64_t{scaleFactor} + 1;
+inline std::int32_t exactScore(std::int64_t sum, std::int32_t gconst, std::int64_t scaleFactor, bool wraps) {
+  const std::int64_t n = scaleFactor + 1;
   const std::int64_t shifted =
       n > 0 ? sum >> (n & 63) : static_cast<std::int64_t>(static_cast<std::uint64_t>(sum) << (-n & 63));
   const auto score = static_cast<std::int64_t>(static_cast<std::uint64_t>(std::int64_t{gconst}) -
