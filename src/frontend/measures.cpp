@@ -1,0 +1,185 @@
+// Measures of a frame: sign changes, entropy, and the unit curve.
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "core/integer.h"
+#include "core/scale.h"
+#include "orvsr/frontend.h"
+#include "primitives/memory.h"
+#include "primitives/special.h"
+
+using namespace orv;
+
+namespace {
+
+constexpr float kLn2 = 0.6931472F;
+
+// The sum of count(x[i + 1], x[i]) over all pairs of neighbours. A count is 0, 1 or 2, so 32 unsigned bits
+// hold any sum.
+template <class T, class Count>
+std::uint32_t sumOverPairs(const T *src, std::int32_t len, Count count) {
+  std::uint32_t sum = 0;
+  for (std::int32_t i = 0; i < len - 1; ++i) sum += count(load(src + i + 1), load(src + i));
+  return sum;
+}
+
+// 1, -1, or 0 for zero and for a NaN.
+template <class T>
+std::int32_t signOf(T x) {
+  return static_cast<std::int32_t>(x > 0) - static_cast<std::int32_t>(x < 0);
+}
+
+// Two for a change of sign, one for each half of a change that passes through zero.
+template <class T>
+std::uint32_t countHalves(T b, T a) {
+  const std::int32_t change = signOf(b) - signOf(a);
+  return static_cast<std::uint32_t>(change < 0 ? -change : change);
+}
+
+// The sum of x ln x over the elements that are not zero, in single precision, every logarithm rounded to
+// single. False at the first negative element.
+template <class T, class Read>
+bool sumXLogX(const T *src, std::int32_t len, Read read, float *sum) {
+  float h = 0;
+  for (std::int32_t i = 0; i < len; ++i) {
+    const T element = load(src + i);
+    if (element < 0) return false;
+    const float x = read(element);
+    if (x == 0) continue;
+    h = h + static_cast<float>(std::log(static_cast<double>(x))) * x;
+  }
+  *sum = h;
+  return true;
+}
+
+void unitCurve(const float *src, float *dst, std::int32_t len) {
+  for (std::int32_t i = 0; i < len; ++i) {
+    const float x = load(src + i);
+    const float rest = 2 - x;
+    const float rising = x < 1 ? x * x : 2 - rest * rest;
+    const float capped = x > 2 ? 2.0F : rising;
+    store(dst + i, x < 0 ? 0.0F : capped);
+  }
+}
+
+void unitCurve(const std::int16_t *src, std::int32_t srcShift, std::int16_t *dst, std::int32_t len,
+               std::int32_t scaleFactor) {
+  // A format with no bit for the integer part, or none at all, has no curve; callers get silence, not an
+  // error.
+  if (srcShift < 0 || srcShift >= 15) {
+    for (std::int32_t i = 0; i < len; ++i) store(dst + i, std::int16_t{0});
+    return;
+  }
+  const std::int32_t one = 1 << srcShift, two = 2 << srcShift;
+  const std::int64_t shift = std::int64_t{scaleFactor} + 2 * srcShift;
+  for (std::int32_t i = 0; i < len; ++i) {
+    const std::int32_t x = load(src + i);
+    const std::int32_t rest = two - x;
+    std::int32_t y = (two << srcShift) - rest * rest;
+    if (x >= two) y = two << srcShift;
+    if (x < one) y = x * x;
+    if (x < 1) y = 0;
+    store(dst + i, sat16(shiftSum(y, shift)));
+  }
+}
+
+}  // namespace
+
+OrvStatus orvsSignChangeRate_32f(const float *pSrc, int32_t len, float *pResult) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  const auto changes = [](float b, float a) { return std::uint32_t{b * a < 0}; };
+  store(pResult, static_cast<float>(sumOverPairs(pSrc, len, changes)));
+  return orvStsNoErr;
+}
+
+OrvStatus orvsSignChangeRate_16s(const int16_t *pSrc, int32_t len, int32_t *pResult) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  const auto changes = [](std::int16_t b, std::int16_t a) { return static_cast<std::uint32_t>(b * a) >> 31; };
+  store(pResult, static_cast<std::int32_t>(sumOverPairs(pSrc, len, changes)));
+  return orvStsNoErr;
+}
+
+OrvStatus orvsSignChangeRate_Count0_32f(const float *pSrc, int32_t len, float *pResult) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  store(pResult, static_cast<float>(sumOverPairs(pSrc, len, countHalves<float>)) * 0.5F);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsSignChangeRate_Count0_16s(const int16_t *pSrc, int32_t len, int32_t *pResult) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  store(pResult, static_cast<std::int32_t>(sumOverPairs(pSrc, len, countHalves<std::int16_t>) >> 1));
+  return orvStsNoErr;
+}
+
+OrvStatus orvsSignChangeRateXor_32f(const float *pSrc, int32_t len, int32_t *pResult) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  // Sign bits, not signs: a negative zero differs from a positive one.
+  const auto *bits = reinterpret_cast<const std::uint32_t *>(pSrc);
+  const auto changes = [](std::uint32_t b, std::uint32_t a) { return (b ^ a) >> 31; };
+  store(pResult, static_cast<std::int32_t>(sumOverPairs(bits, len, changes)));
+  return orvStsNoErr;
+}
+
+OrvStatus orvsEntropy_32f(const float *pSrc, int32_t len, float *pResult) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  float sum = 0;
+  if (!sumXLogX(
+          pSrc, len, [](float x) { return x; }, &sum)) {
+    store(pResult, orvConstantOfNAN_32f);
+    return orvStsNegVarWrn;
+  }
+  // No change of sign: callers rely on results at or below zero for probabilities.
+  store(pResult, sum / kLn2);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsEntropy_16s32s_Sfs(const int16_t *pSrc, int32_t srcShift, int32_t len, int32_t *pResult,
+                                 int32_t scaleFactor) {
+  if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  const float unit = GetScale_32s32f(srcShift);
+  float sum = 0;
+  // A negative element leaves the result alone, where the 32f form writes a NaN.
+  if (!sumXLogX(
+          pSrc, len, [unit](std::int16_t x) { return static_cast<float>(x) * unit; }, &sum))
+    return orvStsNegVarWrn;
+  store(pResult, saturateTruncated<std::int32_t>(sum * GetScale_32s32f(scaleFactor) / kLn2));
+  return orvStsNoErr;
+}
+
+OrvStatus orvsUnitCurve_32f(const float *pSrc, float *pDst, int32_t len) {
+  if (pSrc == nullptr || pDst == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  unitCurve(pSrc, pDst, len);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsUnitCurve_32f_I(float *pSrcDst, int32_t len) {
+  if (pSrcDst == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  unitCurve(pSrcDst, pSrcDst, len);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsUnitCurve_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int16_t *pDst, int32_t len,
+                                int32_t scaleFactor) {
+  if (pSrc == nullptr || pDst == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  unitCurve(pSrc, srcShift, pDst, len, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsUnitCurve_16s_ISfs(int16_t *pSrcDst, int32_t srcShift, int32_t len, int32_t scaleFactor) {
+  if (pSrcDst == nullptr) return orvStsNullPtrErr;
+  if (len < 1) return orvStsSizeErr;
+  unitCurve(pSrcDst, srcShift, pSrcDst, len, scaleFactor);
+  return orvStsNoErr;
+}
