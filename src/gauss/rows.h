@@ -82,6 +82,8 @@ struct OneConstant {
   }
 };
 template <class T>
+OneConstant(T) -> OneConstant<T>;
+template <class T>
 struct RowConstants {
   const T *gconst;
   T one(std::int32_t r) const { return load(gconst + r); }
@@ -90,6 +92,8 @@ struct RowConstants {
     return Form::loadFour(gconst + r);
   }
 };
+template <class T>
+RowConstants(const T *) -> RowConstants<T>;
 
 }  // namespace orv::gauss
 

@@ -206,7 +206,7 @@ TYPED_TEST(FrameBlockTest, SumsInGroupsAtEveryLengthAndAlignment) {
     SCOPED_TRACE(member.name);
     FrameBlock<T, R> block(member, random);
     for (std::size_t len = 1; len <= 40; ++len)
-      for (const std::size_t rows : {1, 2, 3, 4, 5, 8})
+      for (const std::size_t rows : {1U, 2U, 3U, 4U, 5U, 8U})
         for (std::size_t offset = 0; offset < 16; ++offset)
           for (const Data data : {Data::random, Data::whole}) {
             block.check(rows, len, offset, data, static_cast<std::int32_t>(random() % 48) - 8);

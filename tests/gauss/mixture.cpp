@@ -179,7 +179,7 @@ void checkGroups() {
     SCOPED_TRACE(member.name);
     Mixture<T, R> mixture(member, random);
     for (std::size_t len = 1; len <= 40; ++len)
-      for (const std::size_t nMix : {1, 2, 3, 4, 5, 8})
+      for (const std::size_t nMix : {1U, 2U, 3U, 4U, 5U, 8U})
         for (std::size_t offset = 0; offset < 16; ++offset)
           for (const double spread : {2., 30.}) {
             mixture.check(nMix, len, offset, 12, spread);
