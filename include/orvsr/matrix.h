@@ -66,6 +66,78 @@ ORV_API OrvStatus orvsBlockDMatrixFree_64f(OrvBlockDMatrix_64f *pMatrix);
 
 /** @} */
 
+/* ---------------------------------------------------------------- element-wise maps */
+
+/**
+ * @defgroup expnegsqr exp(-x^2)
+ *
+ * pDst[i] = exp(-pSrc[i]^2) for len values, 1 or more. 32f sources are squared in single; the exponential is
+ * formed in double and rounded to the type of the result.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ * @{
+ */
+
+/** 32f values. */
+ORV_API OrvStatus orvsExpNegSqr_32f(const float *pSrc, float *pDst, int32_t len);
+/** 32f values in place. */
+ORV_API OrvStatus orvsExpNegSqr_32f_I(float *pSrcDst, int32_t len);
+/** 32f values to 64f. */
+ORV_API OrvStatus orvsExpNegSqr_32f64f(const float *pSrc, double *pDst, int32_t len);
+/** 64f values. */
+ORV_API OrvStatus orvsExpNegSqr_64f(const double *pSrc, double *pDst, int32_t len);
+/** 64f values in place. */
+ORV_API OrvStatus orvsExpNegSqr_64f_I(double *pSrcDst, int32_t len);
+/** @} */
+
+/**
+ * @defgroup sinc sin(x) / x
+ *
+ * pDst[i] = sin(pSrc[i]) / pSrc[i] for len values, 1 or more; exactly 1 at a zero of either sign. The sine is
+ * formed in double; from 32f to 32f it is rounded to single and then divided in single.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ * @{
+ */
+
+/** 32f values. */
+ORV_API OrvStatus orvsSinC_32f(const float *pSrc, float *pDst, int32_t len);
+/** 32f values in place. */
+ORV_API OrvStatus orvsSinC_32f_I(float *pSrcDst, int32_t len);
+/** 32f values to 64f. */
+ORV_API OrvStatus orvsSinC_32f64f(const float *pSrc, double *pDst, int32_t len);
+/** 64f values. */
+ORV_API OrvStatus orvsSinC_64f(const double *pSrc, double *pDst, int32_t len);
+/** 64f values in place. */
+ORV_API OrvStatus orvsSinC_64f_I(double *pSrcDst, int32_t len);
+/** @} */
+
+/**
+ * @defgroup recsqrt Floored reciprocal square root
+ *
+ * 1 / sqrt(x) in single precision for len values, 1 or more, such as the variances of which a trainer wants
+ * standard deviations' inverses. An element below the floor becomes the floor itself, not its reciprocal
+ * root. In the integer forms elements and floor are widened to single before they are compared, and the
+ * result times 2^-scaleFactor is saturated and truncated toward zero.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsBadArgErr (floor 0 or below),
+ * orvStsDegenerateDataWrn (every element was below the floor; all are written), orvStsNoErr.
+ * @{
+ */
+
+/** 32f values in place. */
+ORV_API OrvStatus orvsRecSqrt_32f(float *pSrcDst, int32_t len, float floor);
+/** 32s values in place. */
+ORV_API OrvStatus orvsRecSqrt_32s_Sfs(int32_t *pSrcDst, int32_t len, int32_t floor, int32_t scaleFactor);
+/** 32s values to 16s. */
+ORV_API OrvStatus orvsRecSqrt_32s16s_Sfs(const int32_t *pSrc, int16_t *pDst, int32_t len, int32_t floor,
+                                         int32_t scaleFactor);
+/** @} */
+
+/* ---------------------------------------------------------------- row and column operations */
+
+/* ---------------------------------------------------------------- singular value decomposition */
+
 #ifdef __cplusplus
 }
 #endif
