@@ -282,7 +282,163 @@ ORV_API OrvStatus orvsOutProbPreCalc_32s_I(const int32_t *pSrc, int32_t *pSrcDst
 /* ---------------------------------------------------------------- distance, merging and splitting of
  * Gaussians */
 
+/**
+ * @defgroup gaussianmerge Merging two Gaussians
+ *
+ * Of Gaussians with means pMean1, pMean2 and variances (not inverses) pVar1, pVar2 of len values, and
+ * occupations weight1, weight2 with W = weight1 + weight2:
+ *
+ *     m[i] = (weight1 pMean1[i] + weight2 pMean2[i]) / W
+ *     v[i] = ((pMean1[i]^2 + pVar1[i]) weight1 + (pMean2[i]^2 + pVar2[i]) weight2) / W - m[i]^2
+ *     C    = len * 1.8378770664093 - sum of ln v[i]
+ *
+ * Merge writes m, v and C; the sign of the logarithms is not that of a score's constant. Dist is what the
+ * merge costs, with gconst1 and gconst2 the constants of the parts in the form of C:
+ *
+ *     *pDist = weight1 gconst1 + weight2 gconst2 - W C
+ *
+ * The 32f members compute in double and round once, but W and weight1 gconst1 + weight2 gconst2 are formed in
+ * single.
+ *
+ * Statuses: orvStsSizeErr (len below 1; tested first), orvStsNullPtrErr, orvStsInfResultWrn (a v[i] is 0: the
+ * scalar result is plus infinity), orvStsNegVarWrn (a v[i] is negative: the scalar result is NaN),
+ * orvStsNoErr. A warning ends the work at its element: m and v are written up to it.
+ *
+ * Source of the method: S. Young and P. Woodland, State clustering in hidden Markov model-based continuous
+ * speech recognition, Computer Speech and Language 8 (1994).
+ * @{
+ */
+
+/** Cost of a merge, 32f. */
+ORV_API OrvStatus orvsGaussianDist_32f(const float *pMean1, const float *pVar1, const float *pMean2,
+                                       const float *pVar2, int32_t len, float *pDist, float weight1,
+                                       float gconst1, float weight2, float gconst2);
+/** Cost of a merge, 64f. */
+ORV_API OrvStatus orvsGaussianDist_64f(const double *pMean1, const double *pVar1, const double *pMean2,
+                                       const double *pVar2, int32_t len, double *pDist, double weight1,
+                                       double gconst1, double weight2, double gconst2);
+/** Merge, 32f. The outputs may be the inputs. */
+ORV_API OrvStatus orvsGaussianMerge_32f(const float *pMean1, const float *pVar1, const float *pMean2,
+                                        const float *pVar2, float *pDstMean, float *pDstVar, int32_t len,
+                                        float *pGConst, float weight1, float weight2);
+/** Merge, 64f. The outputs may be the inputs. */
+ORV_API OrvStatus orvsGaussianMerge_64f(const double *pMean1, const double *pVar1, const double *pMean2,
+                                        const double *pVar2, double *pDstMean, double *pDstVar, int32_t len,
+                                        double *pGConst, double weight1, double weight2);
+/** @} */
+
+/**
+ * @defgroup gaussiansplit Splitting a Gaussian
+ *
+ *     s = sqrt(pVar1[i]) * factor;  pMean2[i] = pMean1[i] - s;  pMean1[i] += s;  pVar2[i] = pVar1[i]
+ *
+ * for len values; s is formed in double and rounded to the type of the data. A negative variance gives NaN
+ * means.
+ *
+ * Statuses of the 32f member: orvStsSizeErr (len below 1), orvStsNullPtrErr, orvStsNoErr; of the 64f member:
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ *
+ * Source of the method: Y. Linde, A. Buzo and R. Gray, An algorithm for vector quantizer design, IEEE Trans.
+ * COM 28 (1980); S. Young et al., The HTK Book, 2006, section 8.6.
+ * @{
+ */
+
+/** Split, 32f. */
+ORV_API OrvStatus orvsGaussianSplit_32f(float *pMean1, const float *pVar1, float *pMean2, float *pVar2,
+                                        int32_t len, float factor);
+/** Split, 64f. */
+ORV_API OrvStatus orvsGaussianSplit_64f(double *pMean1, const double *pVar1, double *pMean2, double *pVar2,
+                                        int32_t len, double factor);
+/** @} */
+
+/**
+ * @defgroup bhatdist Bhattacharyya distance of two Gaussians
+ *
+ *     A = sum of (pMean1[i] - pMean2[i])^2 / (pVar1[i] + pVar2[i])
+ *     B = sum of ln((pVar1[i] + pVar2[i]) / 2) - (ln pVar1[i] + ln pVar2[i]) / 2
+ *     *pDist = A / 4 + B / 2
+ *
+ * over len values of direct variances. The SLog forms take the sums of the logarithms of the variances from
+ * the caller, who compares one Gaussian with many. Members ending in 32f compute in single, with every
+ * logarithm formed in double and rounded; members ending in 64f compute in double, but sumLogVar1 +
+ * sumLogVar2 is added in single.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), then for each element in turn orvStsNegVarWrn (a
+ * mean or a variance is negative: *pDist is NaN) and orvStsInfResultWrn (a mean or a variance is below 1e-6
+ * in magnitude: *pDist is plus infinity), orvStsNoErr. The means are tested with the variances: the distance
+ * is for positive features.
+ *
+ * Source of the method: A. Bhattacharyya, On a measure of divergence between two statistical populations,
+ * 1943; K. Fukunaga, Introduction to Statistical Pattern Recognition, 1990, section 3.4.
+ * @{
+ */
+
+/** Distance in single. */
+ORV_API OrvStatus orvsBhatDist_32f(const float *pMean1, const float *pVar1, const float *pMean2,
+                                   const float *pVar2, int32_t len, float *pDist);
+/** Distance in double. */
+ORV_API OrvStatus orvsBhatDist_32f64f(const float *pMean1, const float *pVar1, const float *pMean2,
+                                      const float *pVar2, int32_t len, double *pDist);
+/** Distance in single, logarithms of the variances summed by the caller. */
+ORV_API OrvStatus orvsBhatDistSLog_32f(const float *pMean1, const float *pVar1, const float *pMean2,
+                                       const float *pVar2, int32_t len, float *pDist, float sumLogVar1,
+                                       float sumLogVar2);
+/** Distance in double, logarithms of the variances summed by the caller. */
+ORV_API OrvStatus orvsBhatDistSLog_32f64f(const float *pMean1, const float *pVar1, const float *pMean2,
+                                          const float *pVar2, int32_t len, double *pDist, float sumLogVar1,
+                                          float sumLogVar2);
+/** @} */
+
 /* ---------------------------------------------------------------- cluster likelihoods */
+
+/**
+ * @defgroup dcsclust Likelihood of a cluster
+ *
+ * The log-likelihood of the data behind a set of Gaussians under one Gaussian fitted to all of it, without
+ * the data. Accumulate forms the contribution of one member with occupation o to two vectors, which the
+ * caller adds up over the cluster (the function stores, it does not add):
+ *
+ *     pFirst[i]  = mean[i] * o
+ *     pSecond[i] = (mean[i]^2 + variance[i]) * o             i = 0 .. len - 1
+ *
+ * in the type of the data. Compute takes the sums and the whole occupation:
+ *
+ *     d[i] = pSecond[i] o - pFirst[i]^2
+ *     *pLikelihood = 0.5 o (len (ln o - 1 - 1.8378770664093456 + ln o) - sum of ln d[i])
+ *
+ * in double: -o/2 (len (1 + ln 2 pi) + sum of ln of the variances).
+ *
+ * Statuses of Accumulate: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr. A zero inverse variance
+ * gives an infinity and no status. Statuses of Compute: orvStsNullPtrErr, orvStsSizeErr,
+ * orvStsNegOccupancyErr (occupation below 0), orvStsZeroOccupancyWrn (occupation exactly 0: *pLikelihood is
+ * -1e10), orvStsNegVarWrn (a d[i] is negative: NaN), orvStsInfResultWrn (a d[i] is 0 and none is negative:
+ * minus infinity), orvStsNoErr.
+ *
+ * Source of the method: J. Odell, The Use of Context in Large Vocabulary Speech Recognition, 1995,
+ * section 3.4.
+ * @{
+ */
+
+/** Contribution of a Gaussian with inverse variances pVar, 32f. */
+ORV_API OrvStatus orvsDcsClustLAccumulate_32f(const float *pMean, const float *pVar, float *pFirst,
+                                              float *pSecond, int32_t len, float occupation);
+/** Contribution of a Gaussian with inverse variances pVar, 64f. */
+ORV_API OrvStatus orvsDcsClustLAccumulate_64f(const double *pMean, const double *pVar, double *pFirst,
+                                              double *pSecond, int32_t len, double occupation);
+/** Contribution of a Gaussian with variances pVar, 32f. */
+ORV_API OrvStatus orvsDcsClustLAccumulate_DirectVar_32f(const float *pMean, const float *pVar, float *pFirst,
+                                                        float *pSecond, int32_t len, float occupation);
+/** Contribution of a Gaussian with variances pVar, 64f. */
+ORV_API OrvStatus orvsDcsClustLAccumulate_DirectVar_64f(const double *pMean, const double *pVar,
+                                                        double *pFirst, double *pSecond, int32_t len,
+                                                        double occupation);
+/** Log-likelihood from 64f sums. */
+ORV_API OrvStatus orvsDcsClustLCompute_64f(const double *pFirst, const double *pSecond, int32_t len,
+                                           double *pLikelihood, double occupation);
+/** Log-likelihood from 32f sums. */
+ORV_API OrvStatus orvsDcsClustLCompute_32f64f(const float *pFirst, const float *pSecond, int32_t len,
+                                              double *pLikelihood, float occupation);
+/** @} */
 
 /* ---------------------------------------------------------------- column statistics */
 
