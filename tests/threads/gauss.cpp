@@ -3,6 +3,7 @@
 #include "orvsr/gauss.h"
 
 #include "orvsr/core.h"
+#include "orvsr/matrix.h"
 #include "support/arrays.h"
 #include "threads/threads.h"
 
@@ -48,6 +49,25 @@ TEST(Threads, ScoreIntegersUnderOneModel) {
     scores.push_back(sum);
     return scores;
   });
+}
+
+// 120 values: more than a working vector on the stack holds, so both threads allocate.
+TEST(Threads, ScoreUnderOneBlockDiagonalCovariance) {
+  Random random(3);
+  const int len = 120;
+  const std::int32_t sizes[3] = {40, 40, 40};
+  const auto elements = uniform<float>(random, 40 * len, -1, 1);
+  const std::vector<const float *> rows = rowPointers(elements.data(), len, 40);
+  const auto frame = uniform<float>(random, len, -1, 1);
+  const auto mean = uniform<float>(random, len, -1, 1);
+  OrvBlockDMatrix_32f *covariance = nullptr;
+  ASSERT_EQ(orvsBlockDMatrixInitAlloc_32f(&covariance, rows.data(), sizes, 3), 0);
+  expectSameInTwoThreads([&] {
+    float score;
+    EXPECT_EQ(orvsLogGaussSingle_BlockDVar_32f(frame.data(), mean.data(), covariance, len, &score, -1), 0);
+    return score;
+  });
+  orvsBlockDMatrixFree_32f(covariance);
 }
 
 }  // namespace
