@@ -16,7 +16,641 @@ extern "C" {
 
 /* ---------------------------------------------------------------- cosine transform and lifter */
 
+/**
+ * @defgroup dctlifter Cosine transform with lifter
+ *
+ *     pDst[i - 1] = lifter[i] * sum over j = 1 .. N of pSrc[j - 1] * cos(pi i (j - 1/2) / N)    i = 1 .. n
+ *     pDst[n]     = lifter[0] * sum over j = 1 .. N of pSrc[j - 1]               C0 and MulC0 forms
+ *
+ * takes N = dctLen log band energies to n = numCeps liftered cepstral coefficients. An object holds the
+ * cosines and the gains, in single precision whatever the type of the data; the basis has no norm such as
+ * sqrt(2 / N), which the caller folds into val or pLifter. The gains are
+ *
+ *     lifter[i] = (1 + L/2 sin(pi i / L)) * val      plain and C0 forms, L = lifterParam
+ *     lifter[i] = pLifter[i - 1]                     Mul and MulC0 forms
+ *
+ * and that of the zeroth coefficient is val0 in the C0 forms and pLifter[n - 1], the gain of the last
+ * coefficient, in the MulC0 forms. Where i passes L nothing is clamped.
+ *
+ * Arguments:
+ * - ppState: receives the object, which orvsDCTLifterFree_32f() or orvsDCTLifterFree_16s() releases; written
+ *   on success alone.
+ * - pState: of the Init forms a buffer of as many bytes as the GetSize form of the same name reports, at any
+ *   address. The object lies in it, must not be moved and is not given to a Free function.
+ * - dctLen: N, 1 or more. numCeps: n, 1 .. N.
+ * - lifterParam: L, 1 or more; 22 is common.
+ * - val, val0, pLifter: gains, any values; pLifter is read by the constructor only.
+ * - pSize: receives the bytes of the buffer.
+ *
+ * Sizes are computed in 64 bits. An object of more than 2147483647 bytes gives orvStsSizeErr from GetSize
+ * and Init and orvStsMemAllocErr from InitAlloc.
+ *
+ * Source of the method: S. Davis and P. Mermelstein, Comparison of parametric representations for
+ * monosyllabic word recognition in continuously spoken sentences, IEEE Trans. ASSP 28(4), 1980; the lifter:
+ * B.-H. Juang, L. Rabiner and J. Wilpon, On the use of bandpass liftering in speech recognition, IEEE Trans.
+ * ASSP 35(7), 1987.
+ * @{
+ */
+
+/**
+ * Sinusoidal lifter, n coefficients, for 32f data: a new object.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps),
+ * orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_32f(OrvsDCTLifterState_32f **ppState, int32_t dctLen,
+                                             int32_t numCeps, int32_t lifterParam, float val);
+
+/**
+ * Sinusoidal lifter, n coefficients, for 32f data: an object in the caller's buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps; then an
+ * object beyond 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_32f(OrvsDCTLifterState_32f *pState, int32_t dctLen, int32_t numCeps,
+                                        int32_t lifterParam, float val);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_32f().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_32f(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Sinusoidal lifter, n coefficients and C0 with the gain val0, for 32f data: a new object.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps),
+ * orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_C0_32f(OrvsDCTLifterState_32f **ppState, int32_t dctLen,
+                                                int32_t numCeps, int32_t lifterParam, float val, float val0);
+
+/**
+ * Sinusoidal lifter, n coefficients and C0 with the gain val0, for 32f data: an object in the caller's
+ * buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps; then an
+ * object beyond 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_C0_32f(OrvsDCTLifterState_32f *pState, int32_t dctLen, int32_t numCeps,
+                                           int32_t lifterParam, float val, float val0);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_C0_32f().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_C0_32f(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Caller's gains, n coefficients, for 32f data: a new object.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps), orvStsMemAllocErr,
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_Mul_32f(OrvsDCTLifterState_32f **ppState, int32_t dctLen,
+                                                 const float *pLifter, int32_t numCeps);
+
+/**
+ * Caller's gains, n coefficients, for 32f data: an object in the caller's buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_Mul_32f(OrvsDCTLifterState_32f *pState, int32_t dctLen,
+                                            const float *pLifter, int32_t numCeps);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_Mul_32f().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_Mul_32f(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Caller's gains, n coefficients and C0 with the last of the gains, for 32f data: a new object.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps), orvStsMemAllocErr,
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_MulC0_32f(OrvsDCTLifterState_32f **ppState, int32_t dctLen,
+                                                   const float *pLifter, int32_t numCeps);
+
+/**
+ * Caller's gains, n coefficients and C0 with the last of the gains, for 32f data: an object in the caller's
+ * buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_MulC0_32f(OrvsDCTLifterState_32f *pState, int32_t dctLen,
+                                              const float *pLifter, int32_t numCeps);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_MulC0_32f().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_MulC0_32f(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Releases an object that an InitAlloc form for 32f data made.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterFree_32f(OrvsDCTLifterState_32f *pState);
+
+/**
+ * Sinusoidal lifter, n coefficients, for integer data: a new object. If only the working array of the
+ * transform cannot be allocated the object is made nevertheless, and the transform returns
+ * orvStsMemAllocErr.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps),
+ * orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_16s(OrvsDCTLifterState_16s **ppState, int32_t dctLen,
+                                             int32_t numCeps, int32_t lifterParam, float val);
+
+/**
+ * Sinusoidal lifter, n coefficients, for integer data: an object in the caller's buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps; then an
+ * object beyond 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_16s(OrvsDCTLifterState_16s *pState, int32_t dctLen, int32_t numCeps,
+                                        int32_t lifterParam, float val);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_16s().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_16s(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Sinusoidal lifter, n coefficients and C0 with the gain val0, for integer data: a new object. If only the
+ * working array of the transform cannot be allocated the object is made nevertheless, and the transform
+ * returns orvStsMemAllocErr.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps),
+ * orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_C0_16s(OrvsDCTLifterState_16s **ppState, int32_t dctLen,
+                                                int32_t numCeps, int32_t lifterParam, float val, float val0);
+
+/**
+ * Sinusoidal lifter, n coefficients and C0 with the gain val0, for integer data: an object in the caller's
+ * buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen, numCeps or lifterParam below 1, or dctLen below numCeps; then an
+ * object beyond 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_C0_16s(OrvsDCTLifterState_16s *pState, int32_t dctLen, int32_t numCeps,
+                                           int32_t lifterParam, float val, float val0);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_C0_16s().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_C0_16s(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Caller's gains, n coefficients, for integer data: a new object. If only the working array of the transform
+ * cannot be allocated the object is made nevertheless, and the transform returns orvStsMemAllocErr.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps), orvStsMemAllocErr,
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_Mul_16s(OrvsDCTLifterState_16s **ppState, int32_t dctLen,
+                                                 const float *pLifter, int32_t numCeps);
+
+/**
+ * Caller's gains, n coefficients, for integer data: an object in the caller's buffer.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_Mul_16s(OrvsDCTLifterState_16s *pState, int32_t dctLen,
+                                            const float *pLifter, int32_t numCeps);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_Mul_16s().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_Mul_16s(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Caller's gains, n coefficients and C0 with the last of the gains, for integer data: a new object. If only
+ * the working array of the transform cannot be allocated the object is made nevertheless, and the transform
+ * returns orvStsMemAllocErr.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps), orvStsMemAllocErr,
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInitAlloc_MulC0_16s(OrvsDCTLifterState_16s **ppState, int32_t dctLen,
+                                                   const float *pLifter, int32_t numCeps);
+
+/**
+ * Caller's gains, n coefficients and C0 with the last of the gains, for integer data: an object in the
+ * caller's buffer. The gains are 32-bit integers, unlike those of all other forms with a table, and are
+ * converted to single.
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps; then an object beyond
+ * 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterInit_MulC0_16s(OrvsDCTLifterState_16s *pState, int32_t dctLen,
+                                              const int32_t *pLifter, int32_t numCeps);
+
+/**
+ * Bytes of the buffer for orvsDCTLifterInit_MulC0_16s().
+ * orvStsNullPtrErr, orvStsSizeErr (dctLen or numCeps below 1, or dctLen below numCeps, or dctLen above 8192,
+ * a limit that no other form has; then an object beyond 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterGetSize_MulC0_16s(int32_t dctLen, int32_t numCeps, int32_t *pSize);
+
+/**
+ * Releases an object that an InitAlloc form for integer data made.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDCTLifterFree_16s(OrvsDCTLifterState_16s *pState);
+
+/**
+ * The transform. pSrc: N values. pDst: n values, or n + 1 with C0, written; it does not overlap pSrc. The
+ * object is only read, and threads may share it.
+ *
+ * Each sum is formed in single precision: one by one until pSrc stands on a 16-byte boundary, then eight
+ * products a round in two times four lanes, then one by one; all one by one if pSrc is not on a 4-byte
+ * boundary.
+ * orvStsNullPtrErr, orvStsNoErr. An object of the other type is not recognised.
+ */
+ORV_API OrvStatus orvsDCTLifter_32f(const float *pSrc, float *pDst, const OrvsDCTLifterState_32f *pState);
+
+/**
+ * The transform of 16s values, in single precision; the results times 2^-scaleFactor are rounded to the
+ * nearest integer (ties to even) and saturated at the end. pSrc: N values. pDst: n values, or n + 1 with C0,
+ * written. scaleFactor: any value. The object is written (its working array): each thread needs one of its
+ * own.
+ *
+ * The rounds of eight products start at the first element.
+ * orvStsNullPtrErr, orvStsMemAllocErr (an object whose working array could not be allocated), orvStsNoErr.
+ * An object of the other type is not recognised.
+ */
+ORV_API OrvStatus orvsDCTLifter_16s_Sfs(const int16_t *pSrc, int16_t *pDst, OrvsDCTLifterState_16s *pState,
+                                        int32_t scaleFactor);
+
+/**
+ * The transform of 32s values, each rounded to single first; otherwise as orvsDCTLifter_16s_Sfs(), but the
+ * sums are formed in the order of orvsDCTLifter_32f().
+ * orvStsNullPtrErr, orvStsMemAllocErr (an object whose working array could not be allocated), orvStsNoErr.
+ * An object of the other type is not recognised.
+ */
+ORV_API OrvStatus orvsDCTLifter_32s16s_Sfs(const int32_t *pSrc, int16_t *pDst, OrvsDCTLifterState_16s *pState,
+                                           int32_t scaleFactor);
+
+/** @} */
+
 /* ---------------------------------------------------------------- delta and acceleration features */
+
+/**
+ * @defgroup delta Delta and acceleration features of a stream
+ *
+ * These functions append time derivatives to a stream of feature vectors. A destination row holds the static
+ * values x in columns 0 .. width-1, their delta d in the next width columns and, in the DeltaDelta forms,
+ * the acceleration a in the width columns behind:
+ *
+ *     Win1:  d[t] = (x[t+1] - x[t-1]) * val1
+ *            a[t] = (d[t+1] - d[t-1]) * val2
+ *     Win2:  d[t] = (x[t+1] - x[t-1] + 2 (x[t+2] - x[t-2])) * val1
+ *            a[t] = (d[t+1] - d[t-1] + 2 (d[t+2] - d[t-2])) * val2
+ *
+ * A row before the first or behind the last of an utterance is that edge row. No norm is divided by: 1 / (2
+ * sum k^2), that is 1/2 and 1/10, is left to the gains. The Delta forms have one gain, val. The Mul forms
+ * have a gain for each column: pVal[j] scales the static value on its way in, pVal[width + j] stands for
+ * val1 and pVal[2 width + j] for val2.
+ *
+ * Streaming. An utterance may come in several calls; the destination is all the memory between them. With
+ * orvDeltaBegin in mode, source row i goes to destination row i. Without it source row i goes to row lead +
+ * i, and the caller has put into rows 0 .. lead-1, in all columns, the last lead rows of the call before.
+ * With T the last row filled, the call derives:
+ *
+ *     form              lead  delta rows             acceleration rows      with orvDeltaEnd also
+ *     Delta_Win1        2     0 or 1 .. T-1                                 d: T
+ *     Delta_Win2        4     0 or 2 .. T-2                                 d: T-1, T
+ *     DeltaDelta_Win1   3     0 or 2 .. T-1          0 or 1 .. T-2          d: T     a: T-1, T
+ *     DeltaDelta_Win2   6     0 or 4 .. T-2          0 or 2 .. T-4          d: T-1, T     a: T-3 .. T
+ *
+ * from 0 with orvDeltaBegin, from the other number without. All other cells of delta and acceleration are
+ * left as they are. A call with height 0 and orvDeltaEnd closes an utterance from the rows carried over.
+ *
+ * Arguments:
+ * - pSrc: height rows of width values, packed.
+ * - pVal: gains, 2 width values (DeltaMul) or 3 width (DeltaDeltaMul).
+ * - width: static values in a row, 1 or more.
+ * - pDst, dstStep: rows dstStep values apart, dstStep at least 2 width (Delta) or 3 width (DeltaDelta); does
+ *   not overlap pSrc.
+ * - height: source rows: lead or more with orvDeltaBegin, 0 or more without.
+ * - val, val1, val2: gains, any values.
+ * - mode: orvDeltaBegin, orvDeltaEnd, both or 0; other bits are ignored.
+ * - scaleFactor: of the 16s forms, any value.
+ *
+ * The 32f forms evaluate Win2 as ((p - q) + r) + r with p - q the inner and r the outer difference. The 16s
+ * forms work in 32 bits: a product is wrapped to 32 bits, shifted right by scaleFactor without rounding, or
+ * left by -scaleFactor (wrapping), with counts taken modulo 32, and saturated to 16 bits; accelerations are
+ * formed from the saturated deltas. Without pVal the static values are copied unchanged and differences are
+ * exact. With pVal static values are scaled the same way and every single difference wraps to 16 bits, so
+ * that a large difference saturates in the one kind and wraps in the other; this is meant.
+ *
+ * Checks of all these forms, in this order: orvStsNullPtrErr (pSrc, pDst or pVal null); orvStsSizeErr (width
+ * below 1, height negative, or height 0 without orvDeltaEnd); orvStsStrideErr (dstStep below its least
+ * value); orvStsSizeErr (orvDeltaBegin with height below lead); orvStsNoErr.
+ *
+ * Source of the method: S. Furui, Speaker-independent isolated word recognition using dynamic features of
+ * speech spectrum, IEEE Trans. ASSP 34(1), 1986.
+ * @{
+ */
+
+/**
+ * Delta of 32f frames from one frame on each side.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 2 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDelta_Win1_32f_D2(const float *pSrc, int32_t width, float *pDst, int32_t dstStep,
+                                        int32_t height, float val, int32_t mode);
+
+/**
+ * Delta of 32f frames from two frames on each side.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 4 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDelta_Win2_32f_D2(const float *pSrc, int32_t width, float *pDst, int32_t dstStep,
+                                        int32_t height, float val, int32_t mode);
+
+/**
+ * Delta of 16s frames from one frame on each side. Differences are exact.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 2 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDelta_Win1_16s_D2Sfs(const int16_t *pSrc, int32_t width, int16_t *pDst, int32_t dstStep,
+                                           int32_t height, int16_t val, int32_t mode, int32_t scaleFactor);
+
+/**
+ * Delta of 16s frames from two frames on each side. Differences are exact.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 4 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDelta_Win2_16s_D2Sfs(const int16_t *pSrc, int32_t width, int16_t *pDst, int32_t dstStep,
+                                           int32_t height, int16_t val, int32_t mode, int32_t scaleFactor);
+
+/**
+ * Delta of 32f frames from one frame on each side, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 2 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaMul_Win1_32f_D2(const float *pSrc, const float *pVal, int32_t width, float *pDst,
+                                           int32_t dstStep, int32_t height, int32_t mode);
+
+/**
+ * Delta of 32f frames from two frames on each side, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 4 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaMul_Win2_32f_D2(const float *pSrc, const float *pVal, int32_t width, float *pDst,
+                                           int32_t dstStep, int32_t height, int32_t mode);
+
+/**
+ * Delta of 16s frames from one frame on each side, a gain for each column. Differences wrap to 16 bits.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 2 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaMul_Win1_16s_D2Sfs(const int16_t *pSrc, const int16_t *pVal, int32_t width,
+                                              int16_t *pDst, int32_t dstStep, int32_t height, int32_t mode,
+                                              int32_t scaleFactor);
+
+/**
+ * Delta of 16s frames from two frames on each side, a gain for each column. Differences wrap to 16 bits.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 4 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaMul_Win2_16s_D2Sfs(const int16_t *pSrc, const int16_t *pVal, int32_t width,
+                                              int16_t *pDst, int32_t dstStep, int32_t height, int32_t mode,
+                                              int32_t scaleFactor);
+
+/**
+ * Delta and acceleration of 32f frames from one frame on each side.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 3 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDelta_Win1_32f_D2(const float *pSrc, int32_t width, float *pDst, int32_t dstStep,
+                                             int32_t height, float val1, float val2, int32_t mode);
+
+/**
+ * Delta and acceleration of 32f frames from two frames on each side.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 6 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDelta_Win2_32f_D2(const float *pSrc, int32_t width, float *pDst, int32_t dstStep,
+                                             int32_t height, float val1, float val2, int32_t mode);
+
+/**
+ * Delta and acceleration of 16s frames from one frame on each side. Differences are exact.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 3 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDelta_Win1_16s_D2Sfs(const int16_t *pSrc, int32_t width, int16_t *pDst,
+                                                int32_t dstStep, int32_t height, int16_t val1, int16_t val2,
+                                                int32_t mode, int32_t scaleFactor);
+
+/**
+ * Delta and acceleration of 16s frames from two frames on each side. Differences are exact.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 6 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDelta_Win2_16s_D2Sfs(const int16_t *pSrc, int32_t width, int16_t *pDst,
+                                                int32_t dstStep, int32_t height, int16_t val1, int16_t val2,
+                                                int32_t mode, int32_t scaleFactor);
+
+/**
+ * Delta and acceleration of 32f frames from one frame on each side, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 3 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDeltaMul_Win1_32f_D2(const float *pSrc, const float *pVal, int32_t width,
+                                                float *pDst, int32_t dstStep, int32_t height, int32_t mode);
+
+/**
+ * Delta and acceleration of 32f frames from two frames on each side, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 6 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDeltaMul_Win2_32f_D2(const float *pSrc, const float *pVal, int32_t width,
+                                                float *pDst, int32_t dstStep, int32_t height, int32_t mode);
+
+/**
+ * Delta and acceleration of 16s frames from one frame on each side, a gain for each column. Differences wrap
+ * to 16 bits.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 3 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t *pSrc, const int16_t *pVal, int32_t width,
+                                                   int16_t *pDst, int32_t dstStep, int32_t height,
+                                                   int32_t mode, int32_t scaleFactor);
+
+/**
+ * Delta and acceleration of 16s frames from two frames on each side, a gain for each column. Differences
+ * wrap to 16 bits.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 6 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t *pSrc, const int16_t *pVal, int32_t width,
+                                                   int16_t *pDst, int32_t dstStep, int32_t height,
+                                                   int32_t mode, int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup deltaaurora Delta and acceleration features with the nine-point window
+ *
+ * Source rows hold 14 values: 12 cepstra c1 .. c12, the zeroth c0 and the log energy e. A destination row
+ * holds 13 static values, 13 deltas and 13 accelerations; both derivatives are taken from the static values
+ * x:
+ *
+ *     x[0 .. 11] = c1 .. c12,  x[12] = c0 * 0.6 / 23 + e * 0.4
+ *     d[t] = 0 - x[t-4] - 0.75 x[t-3] - 0.5 x[t-2] - 0.25 x[t-1]
+ *              + 0.25 x[t+1] + 0.5 x[t+2] + 0.75 x[t+3] + x[t+4]
+ *     a[t] = x[t-4] + 0.25 x[t-3] - 0.285714 x[t-2] - 0.607143 x[t-1] - 0.714286 x[t]
+ *              - 0.607143 x[t+1] - 0.285714 x[t+2] + 0.25 x[t+3] + x[t+4]
+ *
+ * in single precision with these constants as singles, added from left to right. A row before the first or
+ * behind the last of an utterance is that edge row.
+ *
+ * Streaming is that of the other forms with a lead of 8: with T the last row filled, delta and acceleration
+ * are derived in rows 0 .. T-4 with orvDeltaBegin, 4 .. T-4 without, and up to T with orvDeltaEnd. Other
+ * cells are left as they are.
+ *
+ * Arguments:
+ * - pSrc: height rows of 14 values, packed.
+ * - pVal: 39 gains: of the static values (after the combination of x[12]), of the deltas and of the
+ *   accelerations (after their sums).
+ * - pDst, dstStep: rows dstStep values apart, dstStep at least 39; does not overlap pSrc.
+ * - height: source rows: 8 or more with orvDeltaBegin, 0 or more without.
+ * - mode: orvDeltaBegin, orvDeltaEnd, both or 0; other bits are ignored.
+ * - scaleFactor: of the 16s forms. The shift counts are s = scaleFactor modulo 32 and (scaleFactor + 2)
+ *   modulo 32; a negative factor is no shift to the left here.
+ *
+ * The 16s forms store x >> s for columns 0 .. 11 (with pVal: x * pVal[j] >> s, saturated), and x[12] in
+ * single, with pVal times its gain, truncated towards zero, >> s, saturated. The delta is the integer sum of
+ * 4 d[t] (with pVal times its gain, wrapped to 32 bits) >> (s + 2), saturated; the acceleration is the
+ * single-precision sum (with pVal times its gain) truncated towards zero, >> s, saturated. A sum that no
+ * 32-bit integer holds truncates to -2147483648. Both run over the stored values, which are shifted already:
+ * the factor acts twice on them, which is meant.
+ *
+ * Checks, in this order: orvStsNullPtrErr (pSrc, pDst or pVal null); orvStsSizeErr (height negative, or 0
+ * without orvDeltaEnd); orvStsStrideErr (dstStep below 39); orvStsSizeErr (orvDeltaBegin with height below
+ * 8); orvStsNoErr.
+ *
+ * Source of the method: ETSI ES 202 050, Advanced front-end feature extraction algorithm.
+ * @{
+ */
+
+/**
+ * Delta and acceleration of 32f frames with the nine-point window.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 8 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDelta_Aurora_32f_D2(const float *pSrc, float *pDst, int32_t dstStep,
+                                               int32_t height, int32_t mode);
+
+/**
+ * Delta and acceleration of 16s frames with the nine-point window.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 8 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDelta_Aurora_16s_D2Sfs(const int16_t *pSrc, int16_t *pDst, int32_t dstStep,
+                                                  int32_t height, int32_t mode, int32_t scaleFactor);
+
+/**
+ * Delta and acceleration of 32f frames with the nine-point window, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 8 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDeltaMul_Aurora_32f_D2(const float *pSrc, const float *pVal, float *pDst,
+                                                  int32_t dstStep, int32_t height, int32_t mode);
+
+/**
+ * Delta and acceleration of 16s frames with the nine-point window, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsSizeErr (height below 8 with orvDeltaBegin),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t *pSrc, const int16_t *pVal, int16_t *pDst,
+                                                     int32_t dstStep, int32_t height, int32_t mode,
+                                                     int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup evaldelta Delta features of a block in place
+ *
+ * The rows of pSrcDst hold static values x in columns offset .. offset+width-1. Their delta, with a window
+ * of W = wndSize rows on each side, goes to the width columns behind:
+ *
+ *     d[t] = val * sum over k = 1 .. W of k * (x[t+k] - x[0])             t = 0 .. W-1
+ *     d[t] = val * sum over k = 1 .. W of k * (x[t+k] - x[t-k])           t = W .. height-W-1
+ *     d[t] = val * sum over k = 1 .. W of k * (x[height-1] - x[t-k])      t = height-W .. height-1
+ *
+ * Near an edge all values on its side are those of the edge row, even where the row exists; this differs
+ * from the streaming forms and is meant. The Mul forms have pVal[width + j] in place of val for column j;
+ * pVal holds 2 width values, of which the first half is not read. Static values are not touched.
+ *
+ * Arguments: height, 1 or more and at least 2 W; step, values from row to row, at least offset + 2 width;
+ * width, 1 or more; offset, 0 or more; wndSize, 1 or more; val, any value; scaleFactor, of the 16s forms,
+ * any value.
+ *
+ * The 32f forms add the terms in single in rising k. The 16s forms wrap each difference to 16 bits, add in
+ * 32 bits, multiply with the gain in 32 bits (all wrapping), shift right by scaleFactor without rounding or
+ * left by -scaleFactor, with counts taken modulo 32, and saturate.
+ *
+ * Checks, in this order: orvStsNullPtrErr (pSrcDst or pVal null); orvStsSizeErr (height, width or wndSize
+ * below 1, offset negative, or height below 2 wndSize); orvStsStrideErr (step below offset + 2 width);
+ * orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 4.6.
+ * @{
+ */
+
+/**
+ * Delta of a block of 32f frames, one gain.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalDelta_32f_D2(float *pSrcDst, int32_t height, int32_t step, int32_t width,
+                                       int32_t offset, int32_t wndSize, float val);
+
+/**
+ * Delta of a block of 16s frames, one gain.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalDelta_16s_D2Sfs(int16_t *pSrcDst, int32_t height, int32_t step, int32_t width,
+                                          int32_t offset, int32_t wndSize, int16_t val, int32_t scaleFactor);
+
+/**
+ * Delta of a block of 32f frames, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalDeltaMul_32f_D2(float *pSrcDst, int32_t height, int32_t step, const float *pVal,
+                                          int32_t width, int32_t offset, int32_t wndSize);
+
+/**
+ * Delta of a block of 16s frames, a gain for each column.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsStrideErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalDeltaMul_16s_D2Sfs(int16_t *pSrcDst, int32_t height, int32_t step,
+                                             const int16_t *pVal, int32_t width, int32_t offset,
+                                             int32_t wndSize, int32_t scaleFactor);
+
+/**
+ * Copies height packed rows of width 32f values into the first columns of rows dstStep values apart, as the
+ * orvsEvalDelta functions take them. pDst does not overlap pSrc; its other columns are left as they are.
+ * orvStsNullPtrErr, orvStsSizeErr (height or width below 1), orvStsStrideErr (dstStep below width),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCopyColumn_32f_D2(const float *pSrc, int32_t width, float *pDst, int32_t dstStep,
+                                        int32_t height);
+
+/**
+ * Copies height packed rows of width 16s values into the first columns of rows dstStep values apart, as the
+ * orvsEvalDelta functions take them. pDst does not overlap pSrc; its other columns are left as they are.
+ * orvStsNullPtrErr, orvStsSizeErr (height or width below 1), orvStsStrideErr (dstStep below width),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCopyColumn_16s_D2(const int16_t *pSrc, int32_t width, int16_t *pDst, int32_t dstStep,
+                                        int32_t height);
+
+/** @} */
 
 /* ---------------------------------------------------------------- frame measures and normalisation */
 

@@ -125,6 +125,23 @@ inline i32x4 difference4(const std::int16_t *a, const std::int16_t *b) {
 inline f32x4 toSingle(i32x4 a) { return {_mm_cvtepi32_ps(a.v)}; }
 inline f64x2 toDoubleLow(i32x4 a) { return {_mm_cvtepi32_pd(a.v)}; }
 
+// --- 32-bit integers in four lanes; what leaves the lane is dropped
+
+inline i32x4 load4(const std::int32_t *p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(p))}; }
+inline i32x4 splat4(std::int32_t a) { return {_mm_set1_epi32(a)}; }
+inline i32x4 operator+(i32x4 a, i32x4 b) { return {_mm_add_epi32(a.v, b.v)}; }
+inline i32x4 operator-(i32x4 a, i32x4 b) { return {_mm_sub_epi32(a.v, b.v)}; }
+inline i32x4 operator*(i32x4 a, i32x4 b) {
+  const __m128i even = _mm_mul_epu32(a.v, b.v);
+  const __m128i odd = _mm_mul_epu32(_mm_srli_epi64(a.v, 32), _mm_srli_epi64(b.v, 32));
+  return {_mm_unpacklo_epi32(_mm_shuffle_epi32(even, _MM_SHUFFLE(3, 1, 2, 0)),
+                             _mm_shuffle_epi32(odd, _MM_SHUFFLE(3, 1, 2, 0)))};
+}
+inline i32x4 operator<<(i32x4 a, int count) { return {_mm_sll_epi32(a.v, _mm_cvtsi32_si128(count))}; }
+inline i32x4 operator>>(i32x4 a, int count) { return {_mm_sra_epi32(a.v, _mm_cvtsi32_si128(count))}; }
+// Toward zero; what does not fit gives the most negative number.
+inline i32x4 truncate(f32x4 a) { return {_mm_cvttps_epi32(a.v)}; }
+
 // --- pairs
 
 struct f32x8 {
@@ -134,7 +151,28 @@ struct f32x8 {
 inline f32x8 operator+(f32x8 a, f32x8 b) { return {a.low + b.low, a.high + b.high}; }
 inline f32x8 operator-(f32x8 a, f32x8 b) { return {a.low - b.low, a.high - b.high}; }
 inline f32x8 operator*(f32x8 a, f32x8 b) { return {a.low * b.low, a.high * b.high}; }
+inline f32x8 operator*(f32x8 a, float b) { return {a.low * b, a.high * b}; }
 inline float sumLanes(f32x8 a) { return sumLanes(a.low + a.high); }
+
+struct i32x8 {
+  static constexpr int lanes = 8;
+  i32x4 low, high;
+};
+inline i32x8 operator+(i32x8 a, i32x8 b) { return {a.low + b.low, a.high + b.high}; }
+inline i32x8 operator-(i32x8 a, i32x8 b) { return {a.low - b.low, a.high - b.high}; }
+inline i32x8 operator*(i32x8 a, i32x8 b) { return {a.low * b.low, a.high * b.high}; }
+inline i32x8 operator<<(i32x8 a, int count) { return {a.low << count, a.high << count}; }
+inline i32x8 operator>>(i32x8 a, int count) { return {a.low >> count, a.high >> count}; }
+inline f32x8 toSingle(i32x8 a) { return {toSingle(a.low), toSingle(a.high)}; }
+inline i32x8 truncate(f32x8 a) { return {truncate(a.low), truncate(a.high)}; }
+// Eight 16-bit values: widened from any address, and saturated to it.
+inline i32x8 loadWidened8(const std::int16_t *p) {
+  const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+  return {{_mm_srai_epi32(_mm_unpacklo_epi16(a, a), 16)}, {_mm_srai_epi32(_mm_unpackhi_epi16(a, a), 16)}};
+}
+inline void storeSaturated8(std::int16_t *p, i32x8 a) {
+  _mm_storeu_si128(reinterpret_cast<__m128i *>(p), _mm_packs_epi32(a.low.v, a.high.v));
+}
 
 struct f64x4 {
   static constexpr int lanes = 4;
