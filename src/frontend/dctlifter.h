@@ -225,56 +225,84 @@ OrvStatus init(State *pState, std::int64_t bytes, const Shape &s, const Lifter &
 
 // --- transform
 
-inline simd::f32x8 loadAsSingle(const float *p) { return {simd::load4(p), simd::load4(p + 4)}; }
-inline simd::f32x8 loadAsSingle(const std::int16_t *p) { return simd::toSingle(simd::loadWidened8(p)); }
-inline simd::f32x8 loadAsSingle(const std::int32_t *p) {
-  return {simd::toSingle(simd::load4(p)), simd::toSingle(simd::load4(p + 4))};
+inline simd::f32x4 loadAsSingle(const float *p) { return simd::load4(p); }
+inline simd::f32x4 loadAsSingle(const std::int16_t *p) { return simd::toSingle(simd::loadWidened4(p)); }
+inline simd::f32x4 loadAsSingle(const std::int32_t *p) { return simd::toSingle(simd::load4(p)); }
+
+// The dot product of a source with a row: `head` elements one by one, then eight at a time in two
+// accumulators of four lanes, then one by one.
+template <class T>
+inline float dotProduct(const T *src, std::int32_t len, std::int32_t head, const float *row) {
+  using namespace simd;
+  float sum = 0.0F;
+  std::int32_t i = 0;
+  for (; i < head; ++i) sum += row[i] * static_cast<float>(load(src + i));
+  if (len - i >= 8) {
+    f32x8 lanes{firstLane4(sum), splat4(0.0F)};
+    for (; len - i >= 8; i += 8)
+      lanes = lanes +
+              f32x8{loadAsSingle(src + i) * load4(row + i), loadAsSingle(src + i + 4) * load4(row + i + 4)};
+    sum = sumLanes(lanes);
+  }
+  for (; i < len; ++i) sum += row[i] * static_cast<float>(load(src + i));
+  return sum;
 }
 
-// The dot products of `count` rows with one source, times their gains. `head` elements are added one by one,
-// then eight at a time in two accumulators, then one by one; the order of each sum does not depend on count.
-template <int count, class T>
-inline void liftedProducts(const T *src, std::int32_t len, std::int32_t head, float *const *rows,
-                           const float *gains, float *results) {
-  const float *row[count];
-  float sum[count] = {};
-  for (int r = 0; r < count; ++r) row[r] = load(rows + r);
+// Those of four rows, each summed in the same order. What is taken one by one is summed with one row to a
+// lane.
+template <class T>
+inline simd::f32x4 dotProducts(const T *src, std::int32_t len, std::int32_t head, const float *row0,
+                               const float *row1, const float *row2, const float *row3) {
+  using namespace simd;
+  f32x4 sum = splat4(0.0F);
   std::int32_t i = 0;
-  const auto serial = [&](std::int32_t end) {
-    for (; i < end; ++i) {
-      const auto x = static_cast<float>(load(src + i));
-      for (int r = 0; r < count; ++r) sum[r] += x * row[r][i];
+  const auto oneByOne = [&](std::int32_t end) {
+    for (; end - i >= 4; i += 4) {
+      const f32x4 x = loadAsSingle(src + i);
+      f32x4 products[4] = {x * load4(row0 + i), x * load4(row1 + i), x * load4(row2 + i),
+                           x * load4(row3 + i)};
+      transpose(products);
+      sum = sum + products[0] + products[1] + products[2] + products[3];
     }
+    for (; i < end; ++i)
+      sum = sum + pack4(row0[i], row1[i], row2[i], row3[i]) * static_cast<float>(load(src + i));
   };
-  serial(head);
+  oneByOne(head);
   if (len - i >= 8) {
-    simd::f32x8 lanes[count];
-    for (int r = 0; r < count; ++r) lanes[r] = {simd::firstLane4(sum[r]), simd::splat4(0.0F)};
+    f32x4 low[4] = {sum, splat4(0.0F), splat4(0.0F), splat4(0.0F)};
+    transpose(low);
+    f32x4 high[4] = {splat4(0.0F), splat4(0.0F), splat4(0.0F), splat4(0.0F)};
+    const float *const rows[4] = {row0, row1, row2, row3};
     for (; len - i >= 8; i += 8) {
-      const simd::f32x8 x = loadAsSingle(src + i);
-      for (int r = 0; r < count; ++r) lanes[r] = lanes[r] + x * loadAsSingle(row[r] + i);
+      const f32x4 first = loadAsSingle(src + i);
+      const f32x4 second = loadAsSingle(src + i + 4);
+      for (int r = 0; r < 4; ++r) {
+        low[r] = low[r] + first * load4(rows[r] + i);
+        high[r] = high[r] + second * load4(rows[r] + i + 4);
+      }
     }
-    if constexpr (count == 4) {
-      const auto halves = [&](int r) { return lanes[r].low + lanes[r].high; };
-      simd::store4(sum, simd::sumLanesOfFour(halves(0), halves(1), halves(2), halves(3)));
-    } else {
-      for (int r = 0; r < count; ++r) sum[r] = simd::sumLanes(lanes[r]);
-    }
+    sum = sumLanesOfFour(low[0] + high[0], low[1] + high[1], low[2] + high[2], low[3] + high[3]);
   }
-  serial(len);
-  for (int r = 0; r < count; ++r) store(results + r, sum[r] * load(gains + r));
+  oneByOne(len);
+  return sum;
 }
 
 // All results in single precision: the coefficients 1 .. numCeps, then C0 where there is one.
 template <class T, class State>
 void transform(const T *src, std::int32_t head, const State &state, float *results) {
   const std::int32_t n = state.numCeps;
-  std::int32_t i = 0;
-  for (; n - i >= 4; i += 4)
-    liftedProducts<4>(src, state.dctLen, head, state.cosRows + 1 + i, state.lifter + 1 + i, results + i);
-  for (; i < n; ++i)
-    liftedProducts<1>(src, state.dctLen, head, state.cosRows + 1 + i, state.lifter + 1 + i, results + i);
-  if (state.withC0) liftedProducts<1>(src, state.dctLen, head, state.cosRows, state.lifter, results + n);
+  const std::int32_t len = state.dctLen;
+  const auto row = [&](std::int32_t i) -> const float * { return load(state.cosRows + i); };
+  const auto one = [&](std::int32_t i, std::int32_t result) {
+    store(results + result, dotProduct(src, len, head, row(i)) * load(state.lifter + i));
+  };
+  std::int32_t i = 1;
+  for (; i + 3 <= n; i += 4) {
+    const simd::f32x4 sums = dotProducts(src, len, head, row(i), row(i + 1), row(i + 2), row(i + 3));
+    simd::store4(results + i - 1, sums * simd::load4(state.lifter + i));
+  }
+  for (; i <= n; ++i) one(i, i - 1);
+  if (state.withC0) one(0, n);
 }
 
 }  // namespace orv::dctlifter

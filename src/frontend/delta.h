@@ -81,21 +81,29 @@ struct Span {
   std::int32_t stages;
 };
 
-// Static row t arrives by keep(source row, t). When it stands, stage s can be derived reach * s rows behind
-// it, by derive(s, row, rows that are filled). Without orvDeltaBegin the first `lead` rows are the last ones
-// of the call before. With orvDeltaEnd the stages run on behind the last row, which then stands for every row
-// after it.
+// Rows by which a stage stays further behind than it must: the lanes of a row may overlap, and a load that
+// needs two stores waits until both have left the store buffer.
+inline constexpr std::int32_t kDrain = 2;
+
+// Static row t arrives by keep(source row, t). Behind it follow the stages, by derive(s, row, rows that are
+// filled). Without orvDeltaBegin the first `lead` rows are the last ones of the call before. A row can be
+// derived when the reach * s rows behind it stand; with orvDeltaEnd every row can, as the last row stands for
+// all behind it.
 template <class Keep, class Derive>
 inline void stream(Span span, std::int32_t lead, std::int32_t height, std::int32_t mode, Keep &&keep,
                    Derive &&derive) {
-  const std::int64_t first = (mode & orvDeltaBegin) != 0 ? 0 : lead;
+  const bool begin = (mode & orvDeltaBegin) != 0;
+  const bool end = (mode & orvDeltaEnd) != 0;
+  const std::int64_t first = begin ? 0 : lead;
   const std::int64_t filled = first + height;
-  const std::int64_t last = (mode & orvDeltaEnd) != 0 ? filled + span.reach * span.stages : filled;
-  for (std::int64_t t = first; t < last; ++t) {
+  const std::int32_t delay = span.reach + kDrain;
+  for (std::int64_t t = first; t < filled + delay * span.stages; ++t) {
     if (t < filled) keep(t - first, t);
     for (std::int32_t s = 1; s <= span.stages; ++s) {
-      const std::int64_t row = t - span.reach * s;
-      if (row >= 0 && row < filled) derive(s, row, filled);
+      const std::int64_t row = t - delay * s;
+      const std::int64_t from = begin ? 0 : lead - span.reach * s;
+      const std::int64_t to = end ? filled : filled - span.reach * s;
+      if (row >= from && row < to) derive(s, row, filled);
     }
   }
 }

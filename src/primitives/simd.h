@@ -189,6 +189,9 @@ inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 
 inline f32x4 pack4(float a, float b, float c, float d) { return {_mm_setr_ps(a, b, c, d)}; }
 
+// Lane i of row k becomes lane k of row i.
+inline void transpose(f32x4 (&rows)[4]) { _MM_TRANSPOSE4_PS(rows[0].v, rows[1].v, rows[2].v, rows[3].v); }
+
 // The final sums of four rows at once, each in the order of sumLanes.
 inline f32x4 sumLanesOfFour(f32x4 a, f32x4 b, f32x4 c, f32x4 d) {
   const __m128 ab = _mm_add_ps(_mm_unpacklo_ps(a.v, b.v), _mm_unpackhi_ps(a.v, b.v));

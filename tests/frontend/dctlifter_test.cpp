@@ -1,7 +1,8 @@
 // Cosine transform with lifter, in every form of birth, against the formulas in plain loops.
 
 #include <algorithm>
-#include <tuple>
+#include <type_traits>
+#include <utility>
 
 #include "orvsr/frontend.h"
 #include "support/allocation.h"
@@ -35,6 +36,7 @@ struct Members {
   OrvStatus (*free)(S *);
 
   static constexpr float val = 1.7F, val0 = -0.3F;
+  static S *at(std::uint8_t *buffer) { return reinterpret_cast<S *>(buffer); }
   // Whole numbers, so that both kinds of table can hold them; one is no single.
   static std::vector<std::int32_t> table(std::int32_t n) {
     std::vector<std::int32_t> gains(static_cast<std::size_t>(n));
@@ -43,21 +45,27 @@ struct Members {
     return gains;
   }
 
+  // An allocated object for an S **, one in the caller's buffer for an S *.
   OrvStatus born(Form form, S **state, Shape s) const {
-    const auto whole = table(std::max(s.numCeps, 1));
-    const std::vector<float> gains(whole.begin(), whole.end());
-    if (form == plain) return alloc(state, s.dctLen, s.numCeps, s.param, val);
-    if (form == c0) return allocC0(state, s.dctLen, s.numCeps, s.param, val, val0);
-    return (form == mul ? allocMul : allocMulC0)(state, s.dctLen, gains.data(), s.numCeps);
+    return make(form, state, s, alloc, allocC0, allocMul, allocMulC0);
   }
   OrvStatus born(Form form, S *buffer, Shape s) const {
+    return make(form, buffer, s, init, initC0, initMul, initMulC0);
+  }
+
+ private:
+  template <class P, class C1>
+  static OrvStatus make(Form form, P place, Shape s, OrvStatus (*first)(P, int32_t, int32_t, int32_t, float),
+                        OrvStatus (*withC0)(P, int32_t, int32_t, int32_t, float, float),
+                        OrvStatus (*fromTable)(P, int32_t, const float *, int32_t),
+                        OrvStatus (*fromTableC0)(P, int32_t, const C1 *, int32_t)) {
     const auto whole = table(std::max(s.numCeps, 1));
     const std::vector<float> gains(whole.begin(), whole.end());
-    const std::vector<C> odd(whole.begin(), whole.end());
-    if (form == plain) return init(buffer, s.dctLen, s.numCeps, s.param, val);
-    if (form == c0) return initC0(buffer, s.dctLen, s.numCeps, s.param, val, val0);
-    if (form == mul) return initMul(buffer, s.dctLen, gains.data(), s.numCeps);
-    return initMulC0(buffer, s.dctLen, odd.data(), s.numCeps);
+    const std::vector<C1> gainsC0(whole.begin(), whole.end());
+    if (form == plain) return first(place, s.dctLen, s.numCeps, s.param, val);
+    if (form == c0) return withC0(place, s.dctLen, s.numCeps, s.param, val, val0);
+    if (form == mul) return fromTable(place, s.dctLen, gains.data(), s.numCeps);
+    return fromTableC0(place, s.dctLen, gainsC0.data(), s.numCeps);
   }
 };
 
@@ -186,22 +194,21 @@ TEST(DCTLifter, BufferOfReportedSizeAtEveryAlignment) {
           std::int32_t bytes = 0;
           ASSERT_EQ(members.size[form](s.dctLen, s.numCeps, &bytes), orvStsNoErr);
           Guarded<std::uint8_t> buffer(static_cast<std::size_t>(bytes), offset);
-          const auto run = [&]<class S>(OrvStatus (*)(S *)) {
-            auto *object = reinterpret_cast<S *>(buffer.data());
-            ASSERT_EQ(members.born(form, object, s), orvStsNoErr);
-            expectTransform(object, form, s, offset / 2);
-          };
-          run(members.free);
+          auto *object = members.at(buffer.data());
+          ASSERT_EQ(members.born(form, object, s), orvStsNoErr);
+          expectTransform(object, form, s, offset / 2);
         }
   });
 }
 
 TEST(DCTLifter, AllocatedStateAndEveryFailure) {
-  const auto each = [](const auto &members, auto *none, int required, int all) {
+  forEachType([](const auto &members) {
+    constexpr bool integers = std::is_same_v<decltype(members.at(nullptr)), State16s *>;
+    constexpr int required = 3, all = integers ? 4 : 3;
     for (const Form form : kForms)
       for (const Shape s : kShapes) {
         const int failures = failEachAllocation([&](int n) {
-          auto *state = none;
+          auto *state = members.at(nullptr);
           const OrvStatus status = members.born(form, &state, s);
           // The last block of an integer state is its working array, which the constructor does not report.
           ASSERT_EQ(status, n < required ? orvStsMemAllocErr : orvStsNoErr);
@@ -210,7 +217,7 @@ TEST(DCTLifter, AllocatedStateAndEveryFailure) {
             return;
           }
           if (n == all) expectTransform(state, form, s, 4);
-          if constexpr (std::is_same_v<decltype(state), State16s *>) {
+          if constexpr (integers) {
             if (n < all) {
               const std::vector<std::int16_t> x(static_cast<std::size_t>(s.dctLen));
               Guarded<std::int16_t> dst(static_cast<std::size_t>(s.numCeps) + 1);
@@ -222,9 +229,7 @@ TEST(DCTLifter, AllocatedStateAndEveryFailure) {
         });
         EXPECT_EQ(failures, all);
       }
-  };
-  each(k32f, static_cast<State32f *>(nullptr), 3, 3);
-  each(k16s, static_cast<State16s *>(nullptr), 3, 4);
+  });
 
   Allocations allocations;
   allocations.alignTo(16);
@@ -275,14 +280,13 @@ TEST(DCTLifter, Sizes) {
 }
 
 TEST(DCTLifter, ChecksOfConstructors) {
-  const auto each = [](const auto &members, auto *object) {
-    using S = std::remove_pointer_t<decltype(object)>;
+  forEachType([](const auto &members) {
     Guarded<std::uint8_t> buffer(64);
-    auto *place = reinterpret_cast<S *>(buffer.data());
-    S *untouched = place;
+    auto *const place = members.at(buffer.data());
+    auto *untouched = place;
     for (const Form form : kForms) {
-      EXPECT_EQ(members.born(form, static_cast<S **>(nullptr), {0, 0}), orvStsNullPtrErr);
-      EXPECT_EQ(members.born(form, static_cast<S *>(nullptr), {0, 0}), orvStsNullPtrErr);
+      EXPECT_EQ(members.born(form, decltype(&untouched){}, {0, 0}), orvStsNullPtrErr);
+      EXPECT_EQ(members.born(form, decltype(untouched){}, {0, 0}), orvStsNullPtrErr);
       for (const Shape s : {Shape{0, 1}, {-1, -2}, {4, 0}, {4, 5}}) {
         EXPECT_EQ(members.born(form, &untouched, s), orvStsSizeErr);
         EXPECT_EQ(members.born(form, place, s), orvStsSizeErr);
@@ -299,9 +303,7 @@ TEST(DCTLifter, ChecksOfConstructors) {
     EXPECT_EQ(members.free(nullptr), orvStsNullPtrErr);
     EXPECT_EQ(untouched, place);
     EXPECT_TRUE(buffer.untouched());
-  };
-  each(k32f, static_cast<State32f *>(nullptr));
-  each(k16s, static_cast<State16s *>(nullptr));
+  });
   // Garbage counts whose table could not even be read.
   State32f *state = nullptr;
   const float one = 1;
@@ -318,15 +320,12 @@ TEST(DCTLifter, ChecksOfTransforms) {
   const std::int32_t x32 = 0;
   float y = 0;
   std::int16_t y16 = 0;
-  EXPECT_EQ(orvsDCTLifter_32f(nullptr, &y, single), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_32f(&x, nullptr, single), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_32f(&x, &y, nullptr), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_16s_Sfs(nullptr, &y16, state, 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_16s_Sfs(&x16, nullptr, state, 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_16s_Sfs(&x16, &y16, nullptr, 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_32s16s_Sfs(nullptr, &y16, state, 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_32s16s_Sfs(&x32, nullptr, state, 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsDCTLifter_32s16s_Sfs(&x32, &y16, nullptr, 0), orvStsNullPtrErr);
+  for (int missing = 0; missing < 3; ++missing) {
+    const auto given = [missing](int i, auto *p) { return i == missing ? nullptr : p; };
+    EXPECT_EQ(orvsDCTLifter_32f(given(0, &x), given(1, &y), given(2, single)), orvStsNullPtrErr);
+    EXPECT_EQ(orvsDCTLifter_16s_Sfs(given(0, &x16), given(1, &y16), given(2, state), 0), orvStsNullPtrErr);
+    EXPECT_EQ(orvsDCTLifter_32s16s_Sfs(given(0, &x32), given(1, &y16), given(2, state), 0), orvStsNullPtrErr);
+  }
   orvsDCTLifterFree_16s(state);
   orvsDCTLifterFree_32f(single);
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <string>
+#include <type_traits>
 
 #include "orvsr/frontend.h"
 #include "support/arrays.h"
@@ -38,15 +38,19 @@ struct Arithmetic {
 // member with one gain for a stage takes the first of it.
 template <class T>
 struct Member {
-  const char *name;
   int reach, stages;
   bool aurora, perColumn;
   std::function<OrvStatus(const T *src, const T *val, int width, T *dst, int step, int height, int mode)>
       call;
 
   int lead() const { return aurora ? 8 : reach * (stages + 1); }
-  int parts() const { return aurora ? 3 : stages + 1; }
+  int parts() const { return stages + 1; }
   int sourceWidth(int width) const { return aurora ? 14 : width; }
+  // For messages.
+  std::string name() const {
+    return (aurora ? "Aurora " : "Win") + std::to_string(reach) + " stages " + std::to_string(stages) +
+           (perColumn ? " Mul" : "");
+  }
   // How many rows behind the last one a part is final.
   int lag(int part) const { return aurora ? (part > 0 ? 4 : 0) : part * reach; }
 };
@@ -163,7 +167,7 @@ void expectStream(const Member<T> &m, const Utterance<T> &u, const std::vector<i
         const bool written = t < given && column < rowLen && (end || t + m.lag(part) < given);
         const T want = written ? u.rows[static_cast<std::size_t>(t * rowLen + column)] : mark.at(0);
         const T is = dst.at(static_cast<std::size_t>(row * step + column));
-        ASSERT_TRUE(sameBits(is, want)) << m.name << " call " << call << " frame " << t << " column "
+        ASSERT_TRUE(sameBits(is, want)) << m.name() << " call " << call << " frame " << t << " column "
                                         << column << " width " << u.width << " of " << u.frames;
       }
     const std::vector<T> filled = dst.values();
@@ -191,94 +195,53 @@ T gainAt(const T *val, int i) {
   return gain;
 }
 
+// Which kind of member f is shows in the arguments that it takes. `scale` is a scale factor or nothing.
+template <class T, class F, class... Scale>
+Member<T> member(F f, int reach, int stages, Scale... scale) {
+  using S = const T *;
+  constexpr bool perColumn = std::is_invocable_v<F, S, S, int, T *, int, int, int, Scale...>;
+  constexpr bool aurora = std::is_invocable_v<F, S, T *, int, int, int, Scale...>;
+  constexpr bool auroraMul = std::is_invocable_v<F, S, S, T *, int, int, int, Scale...>;
+  constexpr bool oneGain = std::is_invocable_v<F, S, int, T *, int, int, T, int, Scale...>;
+  return {reach, stages, aurora || auroraMul, perColumn || auroraMul,
+          [=](S s, S v, int w, T *d, int step, int h, int mode) {
+            if constexpr (perColumn)
+              return f(s, v, w, d, step, h, mode, scale...);
+            else if constexpr (aurora)
+              return f(s, d, step, h, mode, scale...);
+            else if constexpr (auroraMul)
+              return f(s, v, d, step, h, mode, scale...);
+            else if constexpr (oneGain)
+              return f(s, w, d, step, h, gainAt(v, w), mode, scale...);
+            else
+              return f(s, w, d, step, h, gainAt(v, w), gainAt(v, 2 * w), mode, scale...);
+          }};
+}
+
 std::vector<Member<float>> singleMembers() {
-  return {
-      {"orvsDelta_Win1_32f_D2", 1, 1, false, false,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDelta_Win1_32f_D2(s, w, d, st, h, gainAt(v, w), m);
-       }},
-      {"orvsDelta_Win2_32f_D2", 2, 1, false, false,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDelta_Win2_32f_D2(s, w, d, st, h, gainAt(v, w), m);
-       }},
-      {"orvsDeltaDelta_Win1_32f_D2", 1, 2, false, false,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDeltaDelta_Win1_32f_D2(s, w, d, st, h, gainAt(v, w), gainAt(v, 2 * w), m);
-       }},
-      {"orvsDeltaDelta_Win2_32f_D2", 2, 2, false, false,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDeltaDelta_Win2_32f_D2(s, w, d, st, h, gainAt(v, w), gainAt(v, 2 * w), m);
-       }},
-      {"orvsDeltaMul_Win1_32f_D2", 1, 1, false, true,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDeltaMul_Win1_32f_D2(s, v, w, d, st, h, m);
-       }},
-      {"orvsDeltaMul_Win2_32f_D2", 2, 1, false, true,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDeltaMul_Win2_32f_D2(s, v, w, d, st, h, m);
-       }},
-      {"orvsDeltaDeltaMul_Win1_32f_D2", 1, 2, false, true,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDeltaDeltaMul_Win1_32f_D2(s, v, w, d, st, h, m);
-       }},
-      {"orvsDeltaDeltaMul_Win2_32f_D2", 2, 2, false, true,
-       [](const float *s, const float *v, int w, float *d, int st, int h, int m) {
-         return orvsDeltaDeltaMul_Win2_32f_D2(s, v, w, d, st, h, m);
-       }},
-      {"orvsDeltaDelta_Aurora_32f_D2", 4, 1, true, false,
-       [](const float *s, const float *, int, float *d, int st, int h, int m) {
-         return orvsDeltaDelta_Aurora_32f_D2(s, d, st, h, m);
-       }},
-      {"orvsDeltaDeltaMul_Aurora_32f_D2", 4, 1, true, true,
-       [](const float *s, const float *v, int, float *d, int st, int h, int m) {
-         return orvsDeltaDeltaMul_Aurora_32f_D2(s, v, d, st, h, m);
-       }},
-  };
+  return {member<float>(orvsDelta_Win1_32f_D2, 1, 1),
+          member<float>(orvsDelta_Win2_32f_D2, 2, 1),
+          member<float>(orvsDeltaMul_Win1_32f_D2, 1, 1),
+          member<float>(orvsDeltaMul_Win2_32f_D2, 2, 1),
+          member<float>(orvsDeltaDelta_Win1_32f_D2, 1, 2),
+          member<float>(orvsDeltaDelta_Win2_32f_D2, 2, 2),
+          member<float>(orvsDeltaDeltaMul_Win1_32f_D2, 1, 2),
+          member<float>(orvsDeltaDeltaMul_Win2_32f_D2, 2, 2),
+          member<float>(orvsDeltaDelta_Aurora_32f_D2, 4, 2),
+          member<float>(orvsDeltaDeltaMul_Aurora_32f_D2, 4, 2)};
 }
 
 std::vector<Member<std::int16_t>> integerMembers(std::int32_t f) {
-  return {
-      {"orvsDelta_Win1_16s_D2Sfs", 1, 1, false, false,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDelta_Win1_16s_D2Sfs(s, w, d, st, h, gainAt(v, w), m, f);
-       }},
-      {"orvsDelta_Win2_16s_D2Sfs", 2, 1, false, false,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDelta_Win2_16s_D2Sfs(s, w, d, st, h, gainAt(v, w), m, f);
-       }},
-      {"orvsDeltaDelta_Win1_16s_D2Sfs", 1, 2, false, false,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaDelta_Win1_16s_D2Sfs(s, w, d, st, h, gainAt(v, w), gainAt(v, 2 * w), m, f);
-       }},
-      {"orvsDeltaDelta_Win2_16s_D2Sfs", 2, 2, false, false,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaDelta_Win2_16s_D2Sfs(s, w, d, st, h, gainAt(v, w), gainAt(v, 2 * w), m, f);
-       }},
-      {"orvsDeltaMul_Win1_16s_D2Sfs", 1, 1, false, true,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaMul_Win1_16s_D2Sfs(s, v, w, d, st, h, m, f);
-       }},
-      {"orvsDeltaMul_Win2_16s_D2Sfs", 2, 1, false, true,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaMul_Win2_16s_D2Sfs(s, v, w, d, st, h, m, f);
-       }},
-      {"orvsDeltaDeltaMul_Win1_16s_D2Sfs", 1, 2, false, true,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaDeltaMul_Win1_16s_D2Sfs(s, v, w, d, st, h, m, f);
-       }},
-      {"orvsDeltaDeltaMul_Win2_16s_D2Sfs", 2, 2, false, true,
-       [f](const std::int16_t *s, const std::int16_t *v, int w, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaDeltaMul_Win2_16s_D2Sfs(s, v, w, d, st, h, m, f);
-       }},
-      {"orvsDeltaDelta_Aurora_16s_D2Sfs", 4, 1, true, false,
-       [f](const std::int16_t *s, const std::int16_t *, int, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaDelta_Aurora_16s_D2Sfs(s, d, st, h, m, f);
-       }},
-      {"orvsDeltaDeltaMul_Aurora_16s_D2Sfs", 4, 1, true, true,
-       [f](const std::int16_t *s, const std::int16_t *v, int, std::int16_t *d, int st, int h, int m) {
-         return orvsDeltaDeltaMul_Aurora_16s_D2Sfs(s, v, d, st, h, m, f);
-       }},
-  };
+  return {member<std::int16_t>(orvsDelta_Win1_16s_D2Sfs, 1, 1, f),
+          member<std::int16_t>(orvsDelta_Win2_16s_D2Sfs, 2, 1, f),
+          member<std::int16_t>(orvsDeltaMul_Win1_16s_D2Sfs, 1, 1, f),
+          member<std::int16_t>(orvsDeltaMul_Win2_16s_D2Sfs, 2, 1, f),
+          member<std::int16_t>(orvsDeltaDelta_Win1_16s_D2Sfs, 1, 2, f),
+          member<std::int16_t>(orvsDeltaDelta_Win2_16s_D2Sfs, 2, 2, f),
+          member<std::int16_t>(orvsDeltaDeltaMul_Win1_16s_D2Sfs, 1, 2, f),
+          member<std::int16_t>(orvsDeltaDeltaMul_Win2_16s_D2Sfs, 2, 2, f),
+          member<std::int16_t>(orvsDeltaDelta_Aurora_16s_D2Sfs, 4, 2, f),
+          member<std::int16_t>(orvsDeltaDeltaMul_Aurora_16s_D2Sfs, 4, 2, f)};
 }
 
 template <class T, class Draw>
@@ -336,7 +299,7 @@ void expectChecks(const std::vector<Member<T>> &members) {
   constexpr int both = orvDeltaBegin | orvDeltaEnd;
   for (const Member<T> &m : members) {
     const int width = m.aurora ? 13 : 5, least = m.parts() * width, lead = m.lead();
-    SCOPED_TRACE(m.name);
+    SCOPED_TRACE(m.name());
     EXPECT_EQ(m.call(nullptr, val, 0, dst.data(), 0, -1, 0), orvStsNullPtrErr);
     EXPECT_EQ(m.call(src, val, 0, nullptr, 0, -1, 0), orvStsNullPtrErr);
     if (m.perColumn) {
