@@ -113,6 +113,9 @@ inline double sumLanes(f64x2 a) { return _mm_cvtsd_f64(_mm_add_sd(a.v, _mm_unpac
 inline __m128i loadHalf16(const std::int16_t *p) {
   return _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p));
 }
+inline __m128i loadEight16(const std::int16_t *p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+}
 inline i32x4 loadWidened4(const std::int16_t *p) {
   const __m128i a = loadHalf16(p);
   return {_mm_srai_epi32(_mm_unpacklo_epi16(a, a), 16)};
