@@ -879,6 +879,113 @@ ORV_API OrvStatus orvsNormalizeInRangeMinMax_16s_I(int16_t *pSrcDst, int32_t len
 
 /* ---------------------------------------------------------------- linear prediction */
 
+/**
+ * @defgroup durbin Levinson-Durbin recursion
+ *
+ * From the autocorrelation R[0] .. R[order] the coefficients a[1] .. a[order] of the prediction error filter
+ * A(z) = 1 + a[1] z^-1 + ... + a[order] z^-order (a[1] is negative for a signal that is positively
+ * correlated), without the leading 1, and the energy of the prediction error:
+ *
+ *     k = (R[m] + sum over j = 1 .. m - 1 of R[m - j] a[j]) / e,   a'[i] = a[i] - k a[m - i],   a'[m] = -k,
+ * e' = e (1 - k^2)
+ *
+ * in single. The 16s form converts R to single and the coefficients back, rounded to nearest (ties to even),
+ * scaled by 2^-scaleFactor and saturated.
+ *
+ * Statuses: orvStsNullPtrErr (pSrc or pDst), orvStsSizeErr (order below 1), orvStsNullPtrErr (pErr),
+ * orvStsDurbinErr (R[0] or an error energy is not above 0: in the 32f form pDst then holds the coefficients
+ * of the last order that was completed, in the 16s form it is as before; *pErr is as before),
+ * orvStsMemAllocErr (orders from 64 on take working memory), orvStsNoErr.
+ *
+ * Source of the method: N. Levinson, 1947; J. Durbin, 1960; see J. Makhoul, Linear prediction: a tutorial
+ * review, Proc. IEEE 63 (1975).
+ * @{
+ */
+
+/** Prediction error filter from a 32f autocorrelation of order + 1 values. */
+ORV_API OrvStatus orvsDurbin_32f(const float *pSrc, float *pDst, int32_t order, float *pErr);
+/** Prediction error filter from a 16s autocorrelation of order + 1 values. */
+ORV_API OrvStatus orvsDurbin_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t order, float *pErr,
+                                     int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup schur Schur recursion
+ *
+ * From the autocorrelation R[0] .. R[order] the reflection coefficients k[1] .. k[order] and the energy of
+ * the prediction error, in single, without the coefficients themselves:
+ *
+ *     g[i] = R[i - 1], p[i] = R[i];   k[m] = -p[m] / g[m];   p'[i] = k[m] g[i] + p[i],  g'[i] = k[m] p[i - 1]
+ * + g[i - 1]
+ *
+ * Nothing tests the divisors: a zero gives infinities, and success. The 16s form rounds its results to
+ * nearest (ties to even), scaled by 2^-scaleFactor and saturated.
+ *
+ * Statuses: orvStsNullPtrErr (pSrc or pDst), orvStsSizeErr (order below 1), orvStsNullPtrErr (pErr),
+ * orvStsMemAllocErr (orders from 1024 on take working memory), orvStsNoErr.
+ *
+ * Source of the method: J. Le Roux and C. Gueguen, A fixed point computation of partial correlation
+ * coefficients, IEEE Trans. ASSP 25 (1977).
+ * @{
+ */
+
+/** Reflection coefficients from a 32f autocorrelation of order + 1 values. */
+ORV_API OrvStatus orvsSchur_32f(const float *pSrc, float *pDst, int32_t order, float *pErr);
+/** Reflection coefficients from a 16s autocorrelation of order + 1 values. */
+ORV_API OrvStatus orvsSchur_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t order, float *pErr,
+                                    int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup linearprediction Linear prediction of a frame
+ *
+ * Auto: the autocorrelation of the len samples (no window is applied), then the Levinson-Durbin recursion.
+ * The plain forms give the coefficients of the error filter, the Neg forms those of the predictor, with the
+ * signs flipped whatever the recursion returned.
+ *
+ * Cov: predictor coefficients a from phi a = c, with
+ *
+ *     c[k] = sum over i = 0 .. len - k - 2 of x[i] x[i + k + 1]                      k = 0 .. order - 1
+ *     phi[r][j] = sum over i = 0 .. len - r - 2 of x[i] x[i + r - j],  j <= r        phi is symmetric
+ *
+ * (products in single, sums of phi in double) through a factorisation L D L^T in single. Its inner sums run
+ * over the first elements of the packed factor; up to order 3 that solves the equations, above it the result
+ * is this function's own. Singular equations give infinities or NaNs, and success.
+ *
+ * The 16s forms convert the samples to single and the coefficients back, rounded to nearest (ties to even),
+ * scaled by 2^-scaleFactor and saturated. After a failure the Auto forms leave pDst as it was; the Cov form
+ * converts what there is.
+ *
+ * Arguments: pSrc, len samples, 1 or more; pDst, order coefficients without the leading 1; order, 1 to len.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len or order below 1, order above len), orvStsMemAllocErr,
+ * orvStsDurbinErr (Auto: a frame without energy or perfectly predictable), orvStsNoErr. The Auto forms work
+ * on the stack for orders below 63 and lengths (16s) below 64; the Cov forms always take working memory.
+ *
+ * Source of the method: J. Makhoul, Linear prediction: a tutorial review, Proc. IEEE 63 (1975); B. Atal and
+ * S. Hanauer, Speech analysis and synthesis by linear prediction of the speech wave, JASA 50 (1971), for the
+ * covariance method.
+ * @{
+ */
+
+/** Error filter of a 32f frame, autocorrelation method. */
+ORV_API OrvStatus orvsLinearPrediction_Auto_32f(const float *pSrc, int32_t len, float *pDst, int32_t order);
+/** Predictor of a 32f frame, autocorrelation method. */
+ORV_API OrvStatus orvsLinearPredictionNeg_Auto_32f(const float *pSrc, int32_t len, float *pDst,
+                                                   int32_t order);
+/** Error filter of a 16s frame, autocorrelation method. */
+ORV_API OrvStatus orvsLinearPrediction_Auto_16s_Sfs(const int16_t *pSrc, int32_t len, int16_t *pDst,
+                                                    int32_t order, int32_t scaleFactor);
+/** Predictor of a 16s frame, autocorrelation method. */
+ORV_API OrvStatus orvsLinearPredictionNeg_Auto_16s_Sfs(const int16_t *pSrc, int32_t len, int16_t *pDst,
+                                                       int32_t order, int32_t scaleFactor);
+/** Predictor of a 32f frame, covariance method. */
+ORV_API OrvStatus orvsLinearPrediction_Cov_32f(const float *pSrc, int32_t len, float *pDst, int32_t order);
+/** Predictor of a 16s frame, covariance method. */
+ORV_API OrvStatus orvsLinearPrediction_Cov_16s_Sfs(const int16_t *pSrc, int32_t len, int16_t *pDst,
+                                                   int32_t order, int32_t scaleFactor);
+/** @} */
+
 /* ---------------------------------------------------------------- conversions of prediction parameters */
 
 /* ---------------------------------------------------------------- correlation and pitch candidates */

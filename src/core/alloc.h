@@ -51,6 +51,27 @@ class WorkArray {
   T *data_;
 };
 
+// Working memory of one call that lies on the stack up to a bound which the family states, and is allocated
+// beyond it.
+template <class T, std::int32_t stackLen>
+class StackArray {
+ public:
+  StackArray(std::int64_t len, bool onStack)
+      : heap_(onStack           ? 0
+              : len > INT32_MAX ? 0
+                                : static_cast<std::int32_t>(len)),
+        onStack_(onStack) {}
+  explicit StackArray(std::int64_t len) : StackArray(len, len <= stackLen) {}
+
+  T *get() { return onStack_ ? local_ : heap_.get(); }
+  explicit operator bool() const { return onStack_ || static_cast<bool>(heap_); }
+
+ private:
+  WorkArray<T> heap_;
+  bool onStack_;
+  T local_[static_cast<std::size_t>(stackLen)];
+};
+
 }  // namespace orv
 
 #endif
