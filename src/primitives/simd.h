@@ -188,6 +188,20 @@ inline f64x4 operator*(f64x4 a, double b) { return {a.low * splat2(b), a.high * 
 inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 
+// --- lanes that change places
+
+// a[i], a[j], b[k], b[l]
+template <int i, int j, int k, int l>
+inline f32x4 shuffle(f32x4 a, f32x4 b) {
+  return {_mm_shuffle_ps(a.v, b.v, i | j << 2 | k << 4 | l << 6)};
+}
+// a0 b0 a1 b1, and a2 b2 a3 b3
+inline f32x4 interleaveLow(f32x4 a, f32x4 b) { return {_mm_unpacklo_ps(a.v, b.v)}; }
+inline f32x4 interleaveHigh(f32x4 a, f32x4 b) { return {_mm_unpackhi_ps(a.v, b.v)}; }
+// b0 a1 a2 a3
+inline f32x4 withFirstOf(f32x4 a, f32x4 b) { return {_mm_move_ss(a.v, b.v)}; }
+inline void transpose(f32x4 &a, f32x4 &b, f32x4 &c, f32x4 &d) { _MM_TRANSPOSE4_PS(a.v, b.v, c.v, d.v); }
+
 // --- the same element of four rows
 
 inline f32x4 pack4(float a, float b, float c, float d) { return {_mm_setr_ps(a, b, c, d)}; }

@@ -30,7 +30,7 @@ struct OrvRealFftState32f {
   float *realRecTwiddles;
   float *ccsRecTwiddles;
   float *levelRadix4Twiddles[3];
-  float *levelStepTwiddles[3];
+  const float *levelStepTwiddles[3];
   void *block;  // what the allocator gave, which need not be where the object begins
 };
 

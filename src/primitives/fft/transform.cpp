@@ -18,11 +18,12 @@ OrvStatus check(const void *src, const void *dst, const OrvRealFftState32f *spec
 }
 
 // Calls transform(work) with the caller's buffer from its first 32-byte boundary or, if there is none and one
-// is needed, with memory taken for this call.
+// is needed, with memory taken for this call. A buffer that is not needed may be of any size and is not
+// touched.
 template <class Transform>
 OrvStatus withWork(std::int32_t bytes, std::uint8_t *work, Transform transform) {
-  if (work != nullptr || bytes < 1) {
-    transform(work == nullptr ? nullptr : align32(work));
+  if (bytes < 1 || work != nullptr) {
+    transform(bytes < 1 ? nullptr : align32(work));
     return orvStsNoErr;
   }
   const WorkArray<std::uint8_t> own(bytes);

@@ -1,0 +1,125 @@
+// Four complex transforms side by side: element i of all four is four real parts, then four imaginary ones,
+// at data + 8 i. Decimation in frequency by 8 and 4, in place.
+//
+// The plan of a length 2^order is radix 4 once or twice, if need be, and then radix 8 throughout (radix 2
+// alone for two points), so that the last pass, which needs no twiddles, is a radix-8 one. Results stand in
+// the order of reversed digits: see positionOf().
+
+#ifndef ORV_PRIMITIVES_FFT_LANES_H
+#define ORV_PRIMITIVES_FFT_LANES_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "primitives/fft/sine.h"
+#include "primitives/simd.h"
+
+namespace orv::fft {
+
+constexpr std::int32_t kLaneFloats = 8;  // floats of one element of four lanes
+
+struct Complex4 {
+  simd::f32x4 re, im;
+};
+
+inline Complex4 operator+(Complex4 a, Complex4 b) { return {a.re + b.re, a.im + b.im}; }
+inline Complex4 operator-(Complex4 a, Complex4 b) { return {a.re - b.re, a.im - b.im}; }
+inline Complex4 operator*(Complex4 a, Complex4 b) {
+  return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
+}
+inline Complex4 operator*(Complex4 a, simd::f32x4 b) { return {a.re * b, a.im * b}; }
+// a - i b, and a + i b
+inline Complex4 minusI(Complex4 a, Complex4 b) { return {a.re + b.im, a.im - b.re}; }
+inline Complex4 plusI(Complex4 a, Complex4 b) { return {a.re - b.im, a.im + b.re}; }
+
+inline Complex4 loadLanes(const float *p) { return {simd::load4(p), simd::load4(p + 4)}; }
+inline void storeLanes(float *p, Complex4 a) {
+  simd::store4(p, a.re);
+  simd::store4(p + 4, a.im);
+}
+
+// Four complex values that stand one behind the other.
+inline Complex4 loadInterleaved(const float *p) {
+  const simd::f32x4 low = simd::load4(p);
+  const simd::f32x4 high = simd::load4(p + 4);
+  return {simd::shuffle<0, 2, 0, 2>(low, high), simd::shuffle<1, 3, 1, 3>(low, high)};
+}
+inline void storeInterleaved(float *p, Complex4 a) {
+  simd::store4(p, simd::interleaveLow(a.re, a.im));
+  simd::store4(p + 4, simd::interleaveHigh(a.re, a.im));
+}
+
+inline void transpose(Complex4 &a, Complex4 &b, Complex4 &c, Complex4 &d) {
+  simd::transpose(a.re, b.re, c.re, d.re);
+  simd::transpose(a.im, b.im, c.im, d.im);
+}
+
+struct Quad {
+  Complex4 y[4];
+};
+
+// y[k] = sum of x[j] (-i)^(jk), given the sums and differences of x[0], x[2] and of x[1], x[3].
+inline Quad joined(Complex4 sum02, Complex4 diff02, Complex4 sum13, Complex4 diff13) {
+  return {{sum02 + sum13, minusI(diff02, diff13), sum02 - sum13, plusI(diff02, diff13)}};
+}
+
+inline Quad dft4(Complex4 a, Complex4 b, Complex4 c, Complex4 d) {
+  return joined(a + c, a - c, b + d, b - d);
+}
+
+struct Eight {
+  Quad even, odd;  // y[0], y[2], ... and y[1], y[3], ...
+};
+
+template <class Load>
+inline Eight dft8(Load load) {
+  const Complex4 x0 = load(0), x4 = load(4), x2 = load(2), x6 = load(6);
+  const Complex4 x1 = load(1), x5 = load(5), x3 = load(3), x7 = load(7);
+  const Quad even = dft4(x0 + x4, x1 + x5, x2 + x6, x3 + x7);
+  const Complex4 d0 = x0 - x4, d1 = x1 - x5, d2 = x2 - x6, d3 = x3 - x7;
+  // exp(-i pi/4) and exp(-3 i pi/4), but for the factor sqrt(1/2)
+  const Complex4 r1 = {d1.re + d1.im, d1.im - d1.re};
+  const Complex4 r3 = {d3.im - d3.re, d3.re + d3.im};
+  const simd::f32x4 half = simd::splat4(0.70710677F);
+  const Complex4 sum = Complex4{r1.re + r3.re, r1.im - r3.im} * half;
+  const Complex4 diff = Complex4{r1.re - r3.re, r1.im + r3.im} * half;
+  return {even, joined(minusI(d0, d2), plusI(d0, d2), sum, diff)};
+}
+
+// The radix of the first pass of a transform of 2^order points.
+constexpr std::int32_t firstRadixOrder(std::int32_t order) {
+  return order < 3 ? order : order % 3 == 0 ? 3 : 2;
+}
+
+// Where result k of a transform of 2^order points stands.
+constexpr std::int32_t positionOf(std::int32_t k, std::int32_t order) {
+  std::int32_t position = 0;
+  while (order > 0) {
+    const std::int32_t radixOrder = firstRadixOrder(order);
+    order -= radixOrder;
+    position |= (k & ((1 << radixOrder) - 1)) << order;
+    k >>= radixOrder;
+  }
+  return position;
+}
+
+// Floats of the twiddles of all passes but the last, each value four times: for the n-th butterfly of a pass,
+// n > 0, the factors W^(n k), k = 1 .. radix - 1.
+constexpr std::int64_t laneTwiddleFloats(std::int32_t order) {
+  std::int64_t floats = 0;
+  while (order > firstRadixOrder(order)) {
+    const std::int32_t radixOrder = firstRadixOrder(order);
+    floats += ((std::int64_t{1} << (order - radixOrder)) - 1) * ((1 << radixOrder) - 1) * kLaneFloats;
+    order -= radixOrder;
+  }
+  return floats;
+}
+
+void buildLaneTwiddles(float *table, std::int32_t order, const UnitCircle &circle);
+
+// Transforms `count` groups of four, one behind the other.
+void transformLanes(float *data, std::int32_t order, std::int32_t count, const float *twiddles);
+
+}  // namespace orv::fft
+
+#endif
