@@ -101,6 +101,11 @@ pkg_config() {
   export LD_LIBRARY_PATH=$PREFIX/$LIBDIR
   "$work/use_c"
   "$work/use_cpp"
+  # The program that the README shows, and the output that it promises.
+  sed -n '/^```c$/,/^```$/{//!p}' "$SOURCE/README.md" >"$work/readme.c"
+  # shellcheck disable=SC2086
+  "$CC" -std=c99 -pedantic -Wall -Wextra -Werror $sanitizer "$work/readme.c" $flags -o "$work/readme"
+  same "output of the program in the README" "$(sed -n 's|.*/\* \(.*\) \*/$|\1|p' "$work/readme.c")" "$("$work/readme")"
 }
 
 "$1"
