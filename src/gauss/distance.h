@@ -14,6 +14,7 @@
 #ifndef ORV_GAUSS_DISTANCE_H
 #define ORV_GAUSS_DISTANCE_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "gauss/forms.h"
@@ -95,26 +96,84 @@ inline typename Form::Sum sumRow(const Row<T> &row, std::int32_t len, std::int32
   return sum;
 }
 
+// Which elements of a row are folded outside its vectors: fewer than a vector before them, or after them.
+enum class Part { head, rest };
+
+// Folds count terms of each row into the sums, one by one: the first of the row, or its last. They are taken
+// out of a whole vector of terms, which lies within the row.
+template <class Form, Weighting weighting, class Fold, Part part, class T>
+[[gnu::always_inline]] inline typename Form::Four foldPart(const FourRows<T> &rows, std::int32_t len,
+                                                           int count, typename Form::Four sums) {
+  constexpr int lanes = Form::Lanes::lanes;
+  const std::ptrdiff_t j = part == Part::head ? 0 : len - lanes;
+  typename Form::Four columns[lanes];
+  Form::transpose(terms<Form, weighting>(rows.a[0] + j, rows.b[0] + j, rows.w[0] + j),
+                  terms<Form, weighting>(rows.a[1] + j, rows.b[1] + j, rows.w[1] + j),
+                  terms<Form, weighting>(rows.a[2] + j, rows.b[2] + j, rows.w[2] + j),
+                  terms<Form, weighting>(rows.a[3] + j, rows.b[3] + j, rows.w[3] + j), columns);
+  for (int c = 1; c < lanes; ++c) {
+    if (part == Part::head && c <= count) sums = Fold::fold(sums, columns[c - 1]);
+    if (part == Part::rest && c >= lanes - count) sums = Fold::fold(sums, columns[c]);
+  }
+  return sums;
+}
+
+// The vectors from element from up to element to.
+template <class Form, Weighting weighting, class Fold, class T, std::size_t groups>
+[[gnu::always_inline]] inline void foldVectors(const FourRows<T> (&rows)[groups], std::ptrdiff_t from,
+                                               std::ptrdiff_t to, typename Form::Lanes (&acc)[groups][4]) {
+  for (std::ptrdiff_t j = from; j < to; j += Form::Lanes::lanes)
+    for (std::size_t g = 0; g < groups; ++g) {
+      typename Form::Lanes t[4];
+      for (int r = 0; r < 4; ++r) t[r] = Form::differences(rows[g].a[r] + j, rows[g].b[r] + j);
+      for (int r = 0; r < 4; ++r) t[r] = t[r] * t[r];
+      if (weighting != Weighting::none)
+        for (int r = 0; r < 4; ++r) t[r] = t[r] * Form::values(rows[g].w[r] + j);
+      for (int r = 0; r < 4; ++r) acc[g][r] = Fold::fold(acc[g][r], t[r]);
+    }
+}
+
+template <class T, std::size_t groups>
+[[gnu::always_inline]] inline bool rowsAligned(const FourRows<T> (&rows)[groups], std::int32_t head) {
+  std::uintptr_t bits = 0;
+  for (std::size_t g = 0; g < groups; ++g)
+    for (int r = 0; r < 4; ++r) bits |= reinterpret_cast<std::uintptr_t>(rows[g].a[r] + head);
+  return bits % 16 == 0;
+}
+
+// Groups of four rows that have the same head and at least one vector; sums are the starts, and then the
+// results. Two groups together hide more of the time that loads take. They do not change the sums.
+template <class Form, Weighting weighting, class Fold, class T, std::size_t groups>
+[[gnu::always_inline]] inline void sumGroups(const FourRows<T> (&rows)[groups], std::int32_t len,
+                                             std::int32_t head, typename Form::Four (&sums)[groups]) {
+  constexpr int lanes = Form::Lanes::lanes;
+  typename Form::Lanes acc[groups][4];
+  for (std::size_t g = 0; g < groups; ++g) {
+    if (head > 0) sums[g] = foldPart<Form, weighting, Fold, Part::head>(rows[g], len, head, sums[g]);
+    Form::firstLanes(sums[g], acc[g]);
+  }
+  const int rest = (len - head) % lanes;
+  if (Form::alignable && rowsAligned(rows, head)) {
+    foldVectors<typename Form::Aligned, weighting, Fold>(rows, head, len - rest, acc);
+  } else {
+    foldVectors<Form, weighting, Fold>(rows, head, len - rest, acc);
+  }
+  for (std::size_t g = 0; g < groups; ++g) {
+    sums[g] = sumLanesOfFour(acc[g][0], acc[g][1], acc[g][2], acc[g][3]);
+    if (rest > 0) sums[g] = foldPart<Form, weighting, Fold, Part::rest>(rows[g], len, rest, sums[g]);
+  }
+}
+
 template <class Form, Weighting weighting, class Fold, class T>
 inline typename Form::Four sumFourRows(const FourRows<T> &rows, std::int32_t len, std::int32_t head,
                                        typename Form::Four start) {
-  using Lanes = typename Form::Lanes;
-  constexpr int lanes = Lanes::lanes;
-  typename Form::Four sums = start;
-  std::int32_t j = 0;
-  for (; j < head; ++j) sums = Fold::fold(sums, termOfFour<Form, weighting>(rows, j));
-  if (len - j >= lanes) {
-    typename Form::Sum first[4];
-    Form::storeFour(first, sums);
-    Lanes acc[4] = {Form::firstLane(first[0]), Form::firstLane(first[1]), Form::firstLane(first[2]),
-                    Form::firstLane(first[3])};
-    for (; len - j >= lanes; j += lanes)
-      for (int r = 0; r < 4; ++r)
-        acc[r] = Fold::fold(acc[r], terms<Form, weighting>(rows.a[r] + j, rows.b[r] + j, rows.w[r] + j));
-    sums = sumLanesOfFour(acc[0], acc[1], acc[2], acc[3]);
+  if (len - head >= Form::Lanes::lanes) {
+    typename Form::Four sums[1] = {start};
+    sumGroups<Form, weighting, Fold>({rows}, len, head, sums);
+    return sums[0];
   }
-  for (; j < len; ++j) sums = Fold::fold(sums, termOfFour<Form, weighting>(rows, j));
-  return sums;
+  for (std::int32_t j = 0; j < len; ++j) start = Fold::fold(start, termOfFour<Form, weighting>(rows, j));
+  return start;
 }
 
 }  // namespace orv::gauss

@@ -18,6 +18,8 @@ struct Single {
   using Sum = float;
   using Lanes = simd::f32x4;
   using Four = simd::f32x4;
+  using Aligned = struct SingleAligned;
+  static constexpr bool alignable = true;
   static constexpr bool peels = true;  // sums are grouped by the alignment of an argument
 
   static Sum value(const Elem *p) { return load(p); }
@@ -28,6 +30,16 @@ struct Single {
   static Four splat(Sum v) { return simd::splat4(v); }
   static Four loadFour(const Sum *p) { return simd::load4(p); }
   static void storeFour(Sum *p, Four v) { simd::store4(p, v); }
+  static void firstLanes(Four v, Lanes (&first)[4]) { simd::firstLanes4(v, first); }
+  static void transpose(Lanes a, Lanes b, Lanes c, Lanes d, Four (&columns)[4]) {
+    simd::transpose4(a, b, c, d, columns);
+  }
+};
+
+// The same where the rows of a stand on 16-byte boundaries. Squares do not tell a - b from b - a, and the
+// latter takes a row straight from memory.
+struct SingleAligned : Single {
+  static Lanes differences(const Elem *a, const Elem *b) { return values(b) - simd::loadAligned4(a); }
 };
 
 // Double precision throughout.
@@ -37,6 +49,8 @@ struct Double {
   using Lanes = simd::f64x2;
   using Four = simd::f64x4;
   static constexpr bool peels = true;
+  using Aligned = Double;
+  static constexpr bool alignable = false;
 
   static Sum value(const Elem *p) { return load(p); }
   static Lanes values(const Elem *p) { return simd::load2(p); }
@@ -49,6 +63,10 @@ struct Double {
     simd::store2(p, v.low);
     simd::store2(p + 2, v.high);
   }
+  static void firstLanes(Four v, Lanes (&first)[4]) { simd::firstLanes2(v, first); }
+  static void transpose(Lanes a, Lanes b, Lanes c, Lanes d, Four (&columns)[2]) {
+    simd::transpose2(a, b, c, d, columns);
+  }
 };
 
 // 16-bit integers, converted exactly; then single precision. The difference of two of them is exact in either
@@ -56,6 +74,8 @@ struct Double {
 struct Converted : Single {
   using Elem = std::int16_t;
   static constexpr bool peels = false;  // groups start at the first element
+  using Aligned = Converted;
+  static constexpr bool alignable = false;
 
   static Sum value(const Elem *p) { return static_cast<Sum>(load(p)); }
   static Lanes values(const Elem *p) { return simd::toSingle(simd::loadWidened4(p)); }

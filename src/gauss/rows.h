@@ -38,6 +38,7 @@ struct RowPointers {
 template <class Rows>
 struct FrameBlock {
   using Elem = typename Rows::Elem;
+  static constexpr bool twoGroups = true;
   Rows frames;
   const Elem *mean;
   const Elem *weights;
@@ -57,6 +58,7 @@ struct FrameBlock {
 template <class Rows>
 struct ComponentBlock {
   using Elem = typename Rows::Elem;
+  static constexpr bool twoGroups = false;
   Rows means;
   Rows weights;
   const Elem *vector;

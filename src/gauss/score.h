@@ -124,14 +124,29 @@ inline void scoreRowsSingly(std::int32_t r, std::int32_t rows, std::int32_t len,
 // The scores of all rows: four at a time, for the count rounded down to a multiple of four, then one by one.
 // A group's four scores are complete before the sink sees the first.
 template <class Form, Weighting weighting, class Block, class Constants, class Score, class Sink>
-inline void scoreRows(std::int32_t rows, std::int32_t len, const Block &block, const Constants &constants,
-                      const Score &score, Sink &&sink) {
+[[gnu::always_inline]] inline void scoreRows(std::int32_t rows, std::int32_t len, const Block &block,
+                                             const Constants &constants, const Score &score, Sink &&sink) {
   using Fold = typename Score::Fold;
+  using Four = typename Form::Four;
+  const auto headOfFour = [&](std::int32_t r) {
+    return Form::peels ? alignedHead(block.decidingFour(r), len) : 0;
+  };
   std::int32_t r = 0;
+  if constexpr (Block::twoGroups)
+    for (; rows - r >= 8; r += 8) {
+      const std::int32_t head = headOfFour(r);
+      if (headOfFour(r + 4) != head || len - head < Form::Lanes::lanes) break;
+      const Four gconst[2] = {constants.template four<Form>(r), constants.template four<Form>(r + 4)};
+      const FourRows<typename Form::Elem> groups[2] = {block.four(r), block.four(r + 4)};
+      Four sums[2] = {score.start(gconst[0]), score.start(gconst[1])};
+      sumGroups<Form, weighting, Fold>(groups, len, head, sums);
+      sink.four(r, score.finish(sums[0], gconst[0]));
+      sink.four(r + 4, score.finish(sums[1], gconst[1]));
+    }
   for (; rows - r >= 4; r += 4) {
-    const std::int32_t head = Form::peels ? alignedHead(block.decidingFour(r), len) : 0;
-    const typename Form::Four gconst = constants.template four<Form>(r);
-    const auto sums = sumFourRows<Form, weighting, Fold>(block.four(r), len, head, score.start(gconst));
+    const Four gconst = constants.template four<Form>(r);
+    const Four sums =
+        sumFourRows<Form, weighting, Fold>(block.four(r), len, headOfFour(r), score.start(gconst));
     sink.four(r, score.finish(sums, gconst));
   }
   scoreRowsSingly<Form, weighting>(r, rows, len, block, constants, score, sink);

@@ -31,6 +31,7 @@ struct f64x2 {
 // --- four single lanes
 
 inline f32x4 load4(const float *p) { return {_mm_loadu_ps(p)}; }
+inline f32x4 loadAligned4(const float *p) { return {_mm_load_ps(p)}; }  // from a 16-byte boundary
 inline void store4(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
 inline f32x4 splat4(float a) { return {_mm_set1_ps(a)}; }
 inline f32x4 firstLane4(float a) { return {_mm_set_ss(a)}; }
@@ -208,6 +209,29 @@ inline f32x4 pack4(float a, float b, float c, float d) { return {_mm_setr_ps(a, 
 
 // Lane i of row k becomes lane k of row i.
 inline void transpose(f32x4 (&rows)[4]) { _MM_TRANSPOSE4_PS(rows[0].v, rows[1].v, rows[2].v, rows[3].v); }
+
+// Lane r in lane 0 of the r-th vector, whose other lanes are zero.
+inline void firstLanes4(f32x4 a, f32x4 (&first)[4]) {
+  const __m128i low = _mm_castps_si128(_mm_unpacklo_ps(a.v, _mm_setzero_ps()));
+  const __m128i high = _mm_castps_si128(_mm_unpackhi_ps(a.v, _mm_setzero_ps()));
+  first[0] = {_mm_castsi128_ps(_mm_move_epi64(low))};
+  first[1] = {_mm_castsi128_ps(_mm_srli_si128(low, 8))};
+  first[2] = {_mm_castsi128_ps(_mm_move_epi64(high))};
+  first[3] = {_mm_castsi128_ps(_mm_srli_si128(high, 8))};
+}
+inline void firstLanes2(f64x4 a, f64x2 (&first)[4]) {
+  const __m128d zero = _mm_setzero_pd();
+  first[0] = {_mm_move_sd(zero, a.low.v)};
+  first[1] = {_mm_unpackhi_pd(a.low.v, zero)};
+  first[2] = {_mm_move_sd(zero, a.high.v)};
+  first[3] = {_mm_unpackhi_pd(a.high.v, zero)};
+}
+
+// The columns of four rows.
+inline void columnsOf(f64x2 a, f64x2 b, f64x2 c, f64x2 d, f64x4 (&columns)[2]) {
+  columns[0] = {{_mm_unpacklo_pd(a.v, b.v)}, {_mm_unpacklo_pd(c.v, d.v)}};
+  columns[1] = {{_mm_unpackhi_pd(a.v, b.v)}, {_mm_unpackhi_pd(c.v, d.v)}};
+}
 
 // The final sums of four rows at once, each in the order of sumLanes.
 inline f32x4 sumLanesOfFour(f32x4 a, f32x4 b, f32x4 c, f32x4 d) {
