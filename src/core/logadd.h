@@ -35,10 +35,19 @@ struct LogDomain32f {
   static constexpr double zero = -4.5e6;
 
   const double *segments[3];
-  LogDomain32f() { GetLogAddConst_F(segments[0], segments[1], segments[2]); }
+  LogDomain32f() {
+    const double *p1, *p2, *p3;
+    GetLogAddConst_F(p1, p2, p3);
+    segments[0] = p1;  // through locals, so that the object itself can stay in registers
+    segments[1] = p2;
+    segments[2] = p3;
+  }
 
   // Raises what lies below log-zero. A NaN passes.
-  static double floored(double m) { return m < zero ? zero : m; }
+  template <class T>
+  static T floored(T m) {
+    return m < static_cast<T>(zero) ? static_cast<T>(zero) : m;
+  }
 };
 
 // The log domain of the 64f forms.
@@ -51,7 +60,13 @@ struct LogDomain64f {
   static constexpr double zero = -1e10;
 
   const double *segments[3];
-  LogDomain64f() { GetLogAddConst(segments[0], segments[1], segments[2]); }
+  LogDomain64f() {
+    const double *p1, *p2, *p3;
+    GetLogAddConst(p1, p2, p3);
+    segments[0] = p1;
+    segments[1] = p2;
+    segments[2] = p3;
+  }
 
   // The limit and the value differ: everything below -9e9 becomes -1e10.
   static double floored(double m) { return -9e9 > m ? zero : m; }
@@ -105,31 +120,32 @@ inline double logTail(const Domain &domain, double m, double d) {
                             horner<Domain::degree>(s.coefficients, s.u) * s.u);
 }
 
-// The polynomial of degree 10 evaluated in pairs: the same value up to rounding, from a third of the latency.
-inline double estrin10(const double *c, double u) {
+// m plus the polynomial of degree 10, with its terms taken in pairs: the same value up to rounding, from a
+// third of the latency.
+inline double pairedSum(double m, const double *c, double u) {
   const double u2 = u * u;
   const double u4 = u2 * u2;
-  const double low = (c[9] + c[8] * u) + (c[7] + c[6] * u) * u2;
-  const double high = (c[5] + c[4] * u) + (c[3] + c[2] * u) * u2;
-  const double top = c[1] + c[0] * u;
-  return (low + high * u4) + top * (u4 * u4);
+  const double low = (m + (c[10] + c[9] * u)) + (c[8] + c[7] * u) * u2;
+  const double middle = (c[6] + c[5] * u) + (c[4] + c[3] * u) * u2;
+  const double high = (c[2] + c[1] * u) + c[0] * u2;
+  return (low + middle * u4) + high * (u4 * u4);
 }
 
 // As logTail, rounded to single: the result of a running sum whose next step waits for it. Horner's chain
 // would be most of that wait, so the paired form is taken wherever both must round to the same single value.
 // On the segments the sum of |c_k u^k| stays below 3.5, so that either form is within 22 * 2^-53 * 3.5 <
-// 9e-15 of the polynomial; the two additions of m put at most 2^-51 (|m| + 4) between them. If everything
+// 9e-15 of the polynomial; the additions to m put at most 6 * 2^-53 (|m| + 4) between them. If everything
 // within slack of the quick value rounds to one single value, that is the value; otherwise (about once in 1e7
 // steps, and for a NaN) Horner decides.
 template <Grouping grouping>
 inline float logTailRounded(const LogDomain32f &domain, double m, double d) {
   const LogSegment s(domain, d);
-  const double c0 = s.coefficients[LogDomain32f::degree];
-  const double quick = logTerms<grouping>(m, c0, estrin10(s.coefficients, s.u) * s.u);
+  const double quick = pairedSum(m, s.coefficients, s.u);
   const double slack = std::fabs(m) * 0x1p-49 + 4e-14;
   const auto rounded = static_cast<float>(quick);
   if (static_cast<float>(quick - slack) == static_cast<float>(quick + slack)) [[likely]]
     return rounded;
+  const double c0 = s.coefficients[LogDomain32f::degree];
   return static_cast<float>(
       logTerms<grouping>(m, c0, horner<LogDomain32f::degree>(s.coefficients, s.u) * s.u));
 }
@@ -139,15 +155,15 @@ inline float logTailRounded(const LogDomain32f &domain, double m, double d) {
 template <Grouping grouping>
 inline float logAddStep(const LogDomain32f &domain, float running, float score) {
   const float m = running > score ? running : score;
-  const double d = running > score ? -(running - score) : running - score;
-  if (LogDomain32f::dropBelow > d) return static_cast<float>(LogDomain32f::floored(m));
+  const double d = -std::fabs(running - score);
+  if (LogDomain32f::dropBelow > d) return LogDomain32f::floored(m);
   return logTailRounded<grouping>(domain, m, d);
 }
 
 template <Grouping grouping>
 inline double logAddStep(const LogDomain64f &domain, double running, double score) {
   const double m = running > score ? running : score;
-  const double d = running > score ? -(running - score) : running - score;
+  const double d = -std::fabs(running - score);
   if (LogDomain64f::dropBelow > d) return LogDomain64f::floored(m);
   return logTail<grouping>(domain, m, d);
 }

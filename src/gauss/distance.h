@@ -59,7 +59,7 @@ template <class Form, Weighting weighting, class T>
 inline typename Form::Lanes terms(const T *a, const T *b, const T *w) {
   const typename Form::Lanes d = Form::differences(a, b);
   if constexpr (weighting == Weighting::none) return d * d;
-  return (d * d) * Form::values(w);
+  return (d * d) * Form::weights(w);
 }
 template <class Form, Weighting weighting, class T>
 inline typename Form::Four termOfFour(const FourRows<T> &rows, std::int32_t j) {
@@ -128,24 +128,18 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
       for (int r = 0; r < 4; ++r) t[r] = Form::differences(rows[g].a[r] + j, rows[g].b[r] + j);
       for (int r = 0; r < 4; ++r) t[r] = t[r] * t[r];
       if (weighting != Weighting::none)
-        for (int r = 0; r < 4; ++r) t[r] = t[r] * Form::values(rows[g].w[r] + j);
+        for (int r = 0; r < 4; ++r) t[r] = t[r] * Form::weights(rows[g].w[r] + j);
       for (int r = 0; r < 4; ++r) acc[g][r] = Fold::fold(acc[g][r], t[r]);
     }
 }
 
-template <class T, std::size_t groups>
-[[gnu::always_inline]] inline bool rowsAligned(const FourRows<T> (&rows)[groups], std::int32_t head) {
-  std::uintptr_t bits = 0;
-  for (std::size_t g = 0; g < groups; ++g)
-    for (int r = 0; r < 4; ++r) bits |= reinterpret_cast<std::uintptr_t>(rows[g].a[r] + head);
-  return bits % 16 == 0;
-}
-
 // Groups of four rows that have the same head and at least one vector; sums are the starts, and then the
-// results. Two groups together hide more of the time that loads take. They do not change the sums.
+// results. aligned tells that from the end of the head on all rows, and weights, stand on 16-byte boundaries.
+// Two groups together hide more of the time that loads take. They do not change the sums.
 template <class Form, Weighting weighting, class Fold, class T, std::size_t groups>
 [[gnu::always_inline]] inline void sumGroups(const FourRows<T> (&rows)[groups], std::int32_t len,
-                                             std::int32_t head, typename Form::Four (&sums)[groups]) {
+                                             std::int32_t head, bool aligned,
+                                             typename Form::Four (&sums)[groups]) {
   constexpr int lanes = Form::Lanes::lanes;
   typename Form::Lanes acc[groups][4];
   for (std::size_t g = 0; g < groups; ++g) {
@@ -153,7 +147,7 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
     Form::firstLanes(sums[g], acc[g]);
   }
   const int rest = (len - head) % lanes;
-  if (Form::alignable && rowsAligned(rows, head)) {
+  if (Form::alignable && aligned) {
     foldVectors<typename Form::Aligned, weighting, Fold>(rows, head, len - rest, acc);
   } else {
     foldVectors<Form, weighting, Fold>(rows, head, len - rest, acc);
@@ -165,11 +159,12 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
 }
 
 template <class Form, Weighting weighting, class Fold, class T>
-inline typename Form::Four sumFourRows(const FourRows<T> &rows, std::int32_t len, std::int32_t head,
-                                       typename Form::Four start) {
+[[gnu::always_inline]] inline typename Form::Four sumFourRows(const FourRows<T> &rows, std::int32_t len,
+                                                              std::int32_t head, bool aligned,
+                                                              typename Form::Four start) {
   if (len - head >= Form::Lanes::lanes) {
     typename Form::Four sums[1] = {start};
-    sumGroups<Form, weighting, Fold>({rows}, len, head, sums);
+    sumGroups<Form, weighting, Fold>({rows}, len, head, aligned, sums);
     return sums[0];
   }
   for (std::int32_t j = 0; j < len; ++j) start = Fold::fold(start, termOfFour<Form, weighting>(rows, j));

@@ -24,6 +24,7 @@ struct Single {
 
   static Sum value(const Elem *p) { return load(p); }
   static Lanes values(const Elem *p) { return simd::load4(p); }
+  static Lanes weights(const Elem *p) { return values(p); }
   static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
   static Lanes firstLane(Sum v) { return simd::firstLane4(v); }
   static Four four(Sum a, Sum b, Sum c, Sum d) { return simd::pack4(a, b, c, d); }
@@ -40,6 +41,7 @@ struct Single {
 // latter takes a row straight from memory.
 struct SingleAligned : Single {
   static Lanes differences(const Elem *a, const Elem *b) { return values(b) - simd::loadAligned4(a); }
+  static Lanes weights(const Elem *p) { return simd::loadAligned4(p); }
 };
 
 // Double precision throughout.
@@ -54,6 +56,7 @@ struct Double {
 
   static Sum value(const Elem *p) { return load(p); }
   static Lanes values(const Elem *p) { return simd::load2(p); }
+  static Lanes weights(const Elem *p) { return values(p); }
   static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
   static Lanes firstLane(Sum v) { return simd::firstLane2(v); }
   static Four four(Sum a, Sum b, Sum c, Sum d) { return {simd::pack2(a, b), simd::pack2(c, d)}; }
@@ -79,6 +82,7 @@ struct Converted : Single {
 
   static Sum value(const Elem *p) { return static_cast<Sum>(load(p)); }
   static Lanes values(const Elem *p) { return simd::toSingle(simd::loadWidened4(p)); }
+  static Lanes weights(const Elem *p) { return values(p); }
   static Lanes differences(const Elem *a, const Elem *b) { return simd::toSingle(simd::difference4(a, b)); }
 };
 
@@ -89,6 +93,7 @@ struct Widened : Double {
 
   static Sum value(const Elem *p) { return static_cast<Sum>(load(p)); }
   static Lanes values(const Elem *p) { return simd::loadWidened2(p); }
+  static Lanes weights(const Elem *p) { return values(p); }
   static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
 };
 

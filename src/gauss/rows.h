@@ -14,6 +14,8 @@
 
 namespace orv::gauss {
 
+inline std::uintptr_t addressBits(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
+
 // One array, a row every step elements.
 template <class T>
 struct StridedRows {
@@ -22,6 +24,10 @@ struct StridedRows {
   const T *base;
   std::int32_t step;
   const T *row(std::int32_t r) const { return base + static_cast<std::ptrdiff_t>(r) * step; }
+  // Whether four rows from r on stand on 16-byte boundaries at the same elements as p.
+  bool alignedWith(const T *p, std::int32_t) const {
+    return ((addressBits(base) ^ addressBits(p)) | static_cast<std::uintptr_t>(step) * sizeof(T)) % 16 == 0;
+  }
 };
 
 // An array of row pointers.
@@ -31,6 +37,11 @@ struct RowPointers {
   static constexpr bool strided = false;
   const T *const *rows;
   const T *row(std::int32_t r) const { return rows[r]; }
+  bool alignedWith(const T *p, std::int32_t r) const {
+    std::uintptr_t apart = 0;
+    for (int i = 0; i < 4; ++i) apart |= addressBits(rows[r + i]) ^ addressBits(p);
+    return apart % 16 == 0;
+  }
 };
 
 // Many frames against one Gaussian: the rows are frames, mean and weights are shared. Without weighting,
@@ -49,6 +60,7 @@ struct FrameBlock {
             {mean, mean, mean, mean},
             {weights, weights, weights, weights}};
   }
+  bool aligned(std::int32_t r) const { return frames.alignedWith(weights, r); }
   const Elem *decidingOne(std::int32_t) const { return weights; }
   const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? frames.row(r + 3) : weights; }
 };
@@ -68,6 +80,9 @@ struct ComponentBlock {
     return {{means.row(r), means.row(r + 1), means.row(r + 2), means.row(r + 3)},
             {vector, vector, vector, vector},
             {weights.row(r), weights.row(r + 1), weights.row(r + 2), weights.row(r + 3)}};
+  }
+  bool aligned(std::int32_t r) const {
+    return means.alignedWith(vector, r) && weights.alignedWith(vector, r);
   }
   const Elem *decidingOne(std::int32_t r) const { return Rows::strided ? weights.row(r) : vector; }
   const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? weights.row(r + 3) : vector; }

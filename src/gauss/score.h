@@ -128,25 +128,22 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
                                              const Constants &constants, const Score &score, Sink &&sink) {
   using Fold = typename Score::Fold;
   using Four = typename Form::Four;
-  const auto headOfFour = [&](std::int32_t r) {
-    return Form::peels ? alignedHead(block.decidingFour(r), len) : 0;
-  };
+  // Four rows further the alignment is the same: the groups of a call share their head.
+  const std::int32_t head = Form::peels && rows >= 4 ? alignedHead(block.decidingFour(0), len) : 0;
   std::int32_t r = 0;
-  if constexpr (Block::twoGroups)
+  if (Block::twoGroups && len - head >= Form::Lanes::lanes)
     for (; rows - r >= 8; r += 8) {
-      const std::int32_t head = headOfFour(r);
-      if (headOfFour(r + 4) != head || len - head < Form::Lanes::lanes) break;
       const Four gconst[2] = {constants.template four<Form>(r), constants.template four<Form>(r + 4)};
       const FourRows<typename Form::Elem> groups[2] = {block.four(r), block.four(r + 4)};
       Four sums[2] = {score.start(gconst[0]), score.start(gconst[1])};
-      sumGroups<Form, weighting, Fold>(groups, len, head, sums);
+      sumGroups<Form, weighting, Fold>(groups, len, head, block.aligned(r) && block.aligned(r + 4), sums);
       sink.four(r, score.finish(sums[0], gconst[0]));
       sink.four(r + 4, score.finish(sums[1], gconst[1]));
     }
   for (; rows - r >= 4; r += 4) {
     const Four gconst = constants.template four<Form>(r);
     const Four sums =
-        sumFourRows<Form, weighting, Fold>(block.four(r), len, headOfFour(r), score.start(gconst));
+        sumFourRows<Form, weighting, Fold>(block.four(r), len, head, block.aligned(r), score.start(gconst));
     sink.four(r, score.finish(sums, gconst));
   }
   scoreRowsSingly<Form, weighting>(r, rows, len, block, constants, score, sink);

@@ -70,27 +70,62 @@ struct AddLog {
 };
 
 // The log-sum of all scores, in another grouping of its additions than AddLog's; strictly in the order of the
-// rows. The first score starts it; what the result held before is never read.
+// rows. The first score starts it; what the result held before is never read. Scores wait for one another, so
+// that the branches of the log-sum do not hold up the loops over features.
 template <class Form, class Domain>
 class Mixture {
  public:
   using Sum = typename Form::Sum;
 
   explicit Mixture(Sum *result) : result_(result) {}
-
-  void four(std::int32_t r, typename Form::Four scores) {
-    Sum each[4];
-    Form::storeFour(each, scores);
-    for (int i = 0; i < 4; ++i) one(r + i, each[i]);
-  }
-  void one(std::int32_t r, Sum score) {
-    running_ = r == 0 ? score : logAddStep<Grouping::constantLast>(domain_, running_, score);
+  Mixture(const Mixture &) = delete;
+  Mixture &operator=(const Mixture &) = delete;
+  ~Mixture() {
+    addWaiting();
     store(result_, running_);
   }
 
+  void four(std::int32_t, typename Form::Four scores) {
+    if (count_ > kRoom - 4) addWaiting();
+    Form::storeFour(waiting_ + count_, scores);
+    count_ += 4;
+  }
+  void one(std::int32_t, Sum score) {
+    if (count_ > kRoom - 1) addWaiting();
+    store(waiting_ + count_, score);
+    ++count_;
+  }
+
  private:
+  static constexpr int kRoom = 64;
+  // The drop threshold in the type of the sums: no value of that type lies between the two.
+  static constexpr Sum dropAbove = static_cast<Sum>(-Domain::dropBelow);
+  static_assert(static_cast<double>(dropAbove) <= -Domain::dropBelow);
+
+  [[gnu::noinline]] void addWaiting() {
+    int i = 0;
+    if (!started_) running_ = waiting_[i++];
+    started_ = true;
+    Sum running = running_;
+    while (i < count_) {
+      // Most scores lie so far below the running value that they are dropped, and leave the floor at most.
+      if (count_ - i >= 4 &&
+          allGreater(Form::splat(running) - Form::loadFour(waiting_ + i), Form::splat(dropAbove))) {
+        running = Domain::floored(running);
+        i += 4;
+      } else {
+        running = logAddStep<Grouping::constantLast>(domain_, running, waiting_[i++]);
+      }
+    }
+    running_ = running;
+    count_ = 0;
+  }
+
   Domain domain_;
   Sum running_ = 0;
+  bool started_ = false;
+  int count_ = 0;
+  Sum waiting_[kRoom];
   Sum *result_;
 };
 

@@ -205,6 +205,9 @@ inline void transpose(f32x4 &a, f32x4 &b, f32x4 &c, f32x4 &d) { _MM_TRANSPOSE4_P
 
 // --- the same element of four rows
 
+inline bool allGreater(f32x4 a, f32x4 b) { return signs(a > b) == 15; }
+inline bool allGreater(f64x4 a, f64x4 b) { return signs((a.low > b.low) & (a.high > b.high)) == 3; }
+
 inline f32x4 pack4(float a, float b, float c, float d) { return {_mm_setr_ps(a, b, c, d)}; }
 
 // Lane i of row k becomes lane k of row i.
