@@ -106,11 +106,10 @@ template <class Form, Weighting weighting, class Fold, Part part, class T>
                                                            int count, typename Form::Four sums) {
   constexpr int lanes = Form::Lanes::lanes;
   const std::ptrdiff_t j = part == Part::head ? 0 : len - lanes;
+  typename Form::Lanes folded[4];
+  for (int r = 0; r < 4; ++r) folded[r] = terms<Form, weighting>(rows.a[r] + j, rows.b[r] + j, rows.w[r] + j);
   typename Form::Four columns[lanes];
-  Form::transpose(terms<Form, weighting>(rows.a[0] + j, rows.b[0] + j, rows.w[0] + j),
-                  terms<Form, weighting>(rows.a[1] + j, rows.b[1] + j, rows.w[1] + j),
-                  terms<Form, weighting>(rows.a[2] + j, rows.b[2] + j, rows.w[2] + j),
-                  terms<Form, weighting>(rows.a[3] + j, rows.b[3] + j, rows.w[3] + j), columns);
+  Form::transpose(folded, columns);
   for (int c = 1; c < lanes; ++c) {
     if (part == Part::head && c <= count) sums = Fold::fold(sums, columns[c - 1]);
     if (part == Part::rest && c >= lanes - count) sums = Fold::fold(sums, columns[c]);

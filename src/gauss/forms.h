@@ -32,8 +32,9 @@ struct Single {
   static Four loadFour(const Sum *p) { return simd::load4(p); }
   static void storeFour(Sum *p, Four v) { simd::store4(p, v); }
   static void firstLanes(Four v, Lanes (&first)[4]) { simd::firstLanes4(v, first); }
-  static void transpose(Lanes a, Lanes b, Lanes c, Lanes d, Four (&columns)[4]) {
-    simd::transpose4(a, b, c, d, columns);
+  static void transpose(const Lanes (&rows)[4], Four (&columns)[4]) {
+    for (int r = 0; r < 4; ++r) columns[r] = rows[r];
+    simd::transpose(columns);
   }
 };
 
@@ -67,9 +68,7 @@ struct Double {
     simd::store2(p + 2, v.high);
   }
   static void firstLanes(Four v, Lanes (&first)[4]) { simd::firstLanes2(v, first); }
-  static void transpose(Lanes a, Lanes b, Lanes c, Lanes d, Four (&columns)[2]) {
-    simd::transpose2(a, b, c, d, columns);
-  }
+  static void transpose(const Lanes (&rows)[4], Four (&columns)[2]) { simd::transpose(rows, columns); }
 };
 
 // 16-bit integers, converted exactly; then single precision. The difference of two of them is exact in either

@@ -230,10 +230,9 @@ inline void firstLanes2(f64x4 a, f64x2 (&first)[4]) {
   first[3] = {_mm_unpackhi_pd(a.high.v, zero)};
 }
 
-// The columns of four rows.
-inline void columnsOf(f64x2 a, f64x2 b, f64x2 c, f64x2 d, f64x4 (&columns)[2]) {
-  columns[0] = {{_mm_unpacklo_pd(a.v, b.v)}, {_mm_unpacklo_pd(c.v, d.v)}};
-  columns[1] = {{_mm_unpackhi_pd(a.v, b.v)}, {_mm_unpackhi_pd(c.v, d.v)}};
+inline void transpose(const f64x2 (&rows)[4], f64x4 (&columns)[2]) {
+  columns[0] = {{_mm_unpacklo_pd(rows[0].v, rows[1].v)}, {_mm_unpacklo_pd(rows[2].v, rows[3].v)}};
+  columns[1] = {{_mm_unpackhi_pd(rows[0].v, rows[1].v)}, {_mm_unpackhi_pd(rows[2].v, rows[3].v)}};
 }
 
 // The final sums of four rows at once, each in the order of sumLanes.
