@@ -58,7 +58,8 @@ ORV_API const OrvLibraryVersion *orvsrGetLibVersion(void);
  */
 
 /**
- * Log-addition of 32f values. Drop threshold -15.3195879547406 = -ln(4.5e6), floor -4.5e6.
+ * Log-addition of 32f values. Drop threshold -15.3195879547406 = -ln(4.5e6), floor -4.5e6. The fast path drops
+ * from -15.319588F on, that value included.
  * orvStsSizeErr, orvStsNullPtrErr, orvStsNoErr.
  */
 ORV_API OrvStatus orvsLogAdd_32f(const float *pSrc, float *pSrcDst, int32_t len, int32_t hint);
@@ -138,7 +139,8 @@ ORV_API OrvStatus orvsLogSub_32s_Sfs(const int32_t *pSrc, int32_t *pSrcDst, int3
  *     *pResult = log(sum over i of exp(pSrc[i]))              i = 0 .. len - 1
  *
  * The elements are folded in strictly from first to last by accurate log-addition. A vector of length 1 is
- * copied: no floor, no scaling, no saturation. *pResult is written after every step and never read.
+ * copied: no floor, no scaling, no saturation. The 32f and 64f forms write *pResult after every step; it is
+ * never read.
  *
  * Statuses of all four, in the order of the checks: orvStsSizeErr (len below 1), orvStsNullPtrErr (pSrc or
  * pResult null), orvStsNoErr.

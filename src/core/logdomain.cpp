@@ -223,12 +223,12 @@ OrvStatus subtractArrays(const T *src, T *srcDst, std::int32_t len) {
   for (std::int32_t i = 0; i < len; ++i) {
     const double x = load(src + i);
     const double d = load(srcDst + i) - load(src + i);
-    const double remainder = 1.0 - std::exp(d);
-    double difference = x + std::log(remainder);
+    double difference = 0.0;
     if (d < Domain::dropBelow) {
       difference = Domain::floored(x);
-    } else if (remainder <= leastRemainder(domain)) {
-      difference = Domain::zero;
+    } else {
+      const double remainder = 1.0 - std::exp(d);
+      difference = remainder <= leastRemainder(domain) ? Domain::zero : x + std::log(remainder);
     }
     store(srcDst + i, static_cast<T>(difference));
   }

@@ -38,9 +38,10 @@ TEST(Convert, IntegersToReals) {
   for (int shift = -5; shift <= 5; ++shift) {
     Guarded<std::int32_t> array(longs);
     auto *const dst = reinterpret_cast<float *>(array.data() + 5 + shift);
+    const auto first = static_cast<std::size_t>(5 + shift);
     ASSERT_EQ(orvsConvert_32s32f_Sfs(array.data() + 5, dst, 15, 2), orvStsNoErr);
     for (std::size_t i = 0; i < 15; ++i)
-      ASSERT_EQ(std::bit_cast<float>(array.at(5 + i + shift)), static_cast<float>(longs[5 + i]) * 0.25F);
+      ASSERT_EQ(std::bit_cast<float>(array.at(first + i)), static_cast<float>(longs[5 + i]) * 0.25F);
   }
   std::vector<std::uint8_t> bytes(256);
   std::vector<float> floats(256);

@@ -108,11 +108,11 @@ TEST(Primitives, CopyFillAndClear) {
 TEST(Primitives, MovesAcrossAnyOverlap) {
   Random random(2);
   const auto values = anyIntegers<float>(random, 60);
-  for (int from = 0; from < 20; ++from)
-    for (int to = 0; to < 20; ++to) {
+  for (std::size_t from = 0; from < 20; ++from)
+    for (std::size_t to = 0; to < 20; ++to) {
       Guarded<float> array(values, 2);
       ASSERT_EQ(orvsMove_32f(array.data() + from, array.data() + to, 40), orvStsNoErr);
-      for (int i = 0; i < 40; ++i) ASSERT_EQ(array.at(to + i), values[from + i]);
+      for (std::size_t i = 0; i < 40; ++i) ASSERT_EQ(array.at(to + i), values[from + i]);
     }
 }
 

@@ -16,7 +16,7 @@ std::int32_t scaled(long double sum, int factor) {
 
 TEST(Sums, AreExactUntilTheyAreScaled) {
   Random random(1);
-  for (const std::size_t len : {1, 2, 3, 9, 65536, 65537, 131073}) {
+  for (const std::size_t len : {1U, 2U, 3U, 9U, 65536U, 65537U, 131073U}) {
     auto shorts = anyIntegers<std::int16_t>(random, len);
     auto longs = anyIntegers<std::int32_t>(random, len);
     for (const int fill : {0, 1, 2, 3}) {  // random, odd halves, and both ends

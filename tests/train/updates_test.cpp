@@ -144,13 +144,13 @@ TYPED_TEST(Updates, VarianceIsFlooredUnlessAbove) {
   // (acc / 2)^2 taken from varAcc / 4: above the floor, equal, below, NaN, an infinite difference.
   const std::vector<T> meanAcc{4, 4, 4, kNan<T>, 4}, varAcc{24, 20, 16, 24, kInf<T>}, floor{1, 1, 1, 1, 1};
   const std::vector<T> expected{2, 1, 1, 1, kInf<T>};
-  for (int first = 0; first < 5; ++first)
-    for (int len = 1; first + len <= 5; ++len) {
-      Guarded<T> v(std::vector<T>(varAcc.begin() + first, varAcc.begin() + first + len), 3);
+  for (std::size_t first = 0; first < 5; ++first)
+    for (std::size_t len = 1; first + len <= 5; ++len) {
+      Guarded<T> v(std::vector<T>(varAcc.data() + first, varAcc.data() + first + len), 3);
       const bool all = first >= 1 && first + len <= 4;
-      EXPECT_EQ(Api<T>::var(meanAcc.data() + first, v.data(), floor.data() + first, v.data(), len, 2, 4),
+      EXPECT_EQ(Api<T>::var(meanAcc.data() + first, v.data(), floor.data() + first, v.data(), v.len(), 2, 4),
                 all ? orvStsAllFlooredWrn : orvStsNoErr);
-      for (int i = 0; i < len; ++i) EXPECT_TRUE(sameBits(v.at(i), expected[first + i])) << first << i;
+      for (std::size_t i = 0; i < len; ++i) EXPECT_TRUE(sameBits(v.at(i), expected[first + i])) << first << i;
     }
   // Both quotients and the square are rounded to the type of the data, over more than one vector.
   Random random(2);
