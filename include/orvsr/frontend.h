@@ -988,6 +988,214 @@ ORV_API OrvStatus orvsLinearPrediction_Cov_16s_Sfs(const int16_t *pSrc, int32_t 
 
 /* ---------------------------------------------------------------- conversions of prediction parameters */
 
+/**
+ * @defgroup lpcepstrum Predictor and cepstrum
+ *
+ * Between the coefficients a[0] .. a[len - 1] of the prediction error filter A(z) = 1 + a[0] z^-1 + ... and
+ * the first len cepstral coefficients c of 1 / A(z):
+ *
+ *     c[i] = -(a[i] + 1 / (i + 1) * sum over j = 0 .. i - 1 of (i - j) a[j] c[i - j - 1])
+ *     a[i] = -(c[i] + 1 / (i + 1) * sum over j = 0 .. i - 1 of (i - j) c[i - j - 1] a[j])
+ *
+ * in single. Below a length of 22 the sum is multiplied by the rounded reciprocal, from there on it is
+ * divided.
+ *
+ * The 16s forms read integers times 2^scaleFactor (a negative factor counts fractional bits) and write the
+ * result times 2^-scaleFactor: LPToCepstrum rounded, halves away from zero, without saturation (the low 16
+ * bits stay); CepstrumToLP rounded, ties to even, and saturated. The difference is meant.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsMemAllocErr (16s forms, len from 22 on),
+ * orvStsNoErr. Source and destination do not overlap.
+ *
+ * Source of the method: B. Atal, Effectiveness of linear prediction characteristics of the speech wave for
+ * automatic speaker identification and verification, JASA 55 (1974).
+ * @{
+ */
+
+/** Predictor to cepstrum, 32f. */
+ORV_API OrvStatus orvsLPToCepstrum_32f(const float *pSrc, float *pDst, int32_t len);
+/** Predictor to cepstrum, 16s. */
+ORV_API OrvStatus orvsLPToCepstrum_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t len,
+                                           int32_t scaleFactor);
+/** Cepstrum to predictor, 32f. */
+ORV_API OrvStatus orvsCepstrumToLP_32f(const float *pSrc, float *pDst, int32_t len);
+/** Cepstrum to predictor, 16s. */
+ORV_API OrvStatus orvsCepstrumToLP_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t len,
+                                           int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup lpreflection Predictor and reflection coefficients
+ *
+ * Step down, m from len - 1 to 0:  k[m] = -A[m],  A'[i] = (A[m - 1 - i] k[m] + A[i]) / (1 - k[m]^2)
+ * Step up, i from 0 to len - 1:    A'[i] = -k[i],  A'[j] = A[j] - A[i - 1 - j] k[i]
+ *
+ * in single. The step down fills pDst from its last element. It stops at a coefficient of exactly 1 or -1; a
+ * magnitude above 1 is not looked for.
+ *
+ * The 16s forms read integers times 2^scaleFactor and write the result times 2^-scaleFactor: LPToReflection
+ * rounded, halves away from zero, without saturation; ReflectionToLP rounded, ties to even, and saturated.
+ * The difference is meant. orvsLPToReflection_16s_Sfs reports success where the step down stops: the elements
+ * below the coefficient of 1 then mean nothing.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsMemAllocErr (len from 16 on),
+ * orvStsLpUnstableErr (orvsLPToReflection_32f: a coefficient of exactly 1 or -1; the elements above it are
+ * written, and from len 16 on the working memory of the call is not released), orvStsNoErr.
+ *
+ * Source of the method: J. Markel and A. Gray, Linear Prediction of Speech, 1976, chapter 5.
+ * @{
+ */
+
+/** Predictor to reflection coefficients, 32f. */
+ORV_API OrvStatus orvsLPToReflection_32f(const float *pSrc, float *pDst, int32_t len);
+/** Predictor to reflection coefficients, 16s. */
+ORV_API OrvStatus orvsLPToReflection_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t len,
+                                             int32_t scaleFactor);
+/** Reflection coefficients to predictor, 32f. */
+ORV_API OrvStatus orvsReflectionToLP_32f(const float *pSrc, float *pDst, int32_t len);
+/** Reflection coefficients to predictor, 16s. */
+ORV_API OrvStatus orvsReflectionToLP_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t len,
+                                             int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup lsp Predictor and line spectrum
+ *
+ * Line spectrum values are the cosines of the line frequencies, in descending order between 1 and -1. Of even
+ * orders they are the roots of the sum and difference polynomials of the error filter, of odd orders those of
+ * the filter with all signs flipped, that is, of the predictor.
+ *
+ * LPToLSP walks along a grid of nIntervals steps from 1 to -1 and looks for sign changes of the two
+ * polynomials in turn; a root's cell is halved nBisect times and finished by the secant. Two roots of one
+ * polynomial in a cell are missed: then *pFound is below order, the values found stand in pDst, and the
+ * status is orvStsLspRootsErr.
+ *
+ * All in single. The 16s forms read integers times 2^-srcShift. orvsLPToLSP_16s_Sfs writes *pFound values
+ * times 2^-scaleFactor, rounded, halves away from zero, without saturation; orvsLSPToLP_16s_Sfs rounds ties
+ * to even and saturates.
+ *
+ * Arguments: order, 1 or more (of LPToLSP at most nIntervals); nIntervals, nBisect, 1 or more; pFound,
+ * written on every path after the working memory is had.
+ *
+ * Statuses of LPToLSP: orvStsNullPtrErr (pSrc, pDst, pFound), orvStsSizeErr (order, nIntervals or nBisect
+ * below 1, order above nIntervals), orvStsMemAllocErr (more than 256 singles of working memory),
+ * orvStsLspRootsErr, orvStsNoErr. Statuses of LSPToLP: orvStsNullPtrErr, orvStsSizeErr (order below 1; in the
+ * 16s form also srcShift below 1), orvStsLspOrderErr (32f: the first value at or above 1, a value above the
+ * one before it, the last one at or below -1; 16s: the first value above 1, a value above the one before it,
+ * the last one below -1, so the ends themselves pass), orvStsMemAllocErr (orders from 59 on), orvStsNoErr.
+ *
+ * Source of the method: F. Itakura, Line spectrum representation of linear predictor coefficients of speech
+ * signals, JASA 57 (1975); P. Kabal and R. Ramachandran, The computation of line spectral frequencies using
+ * Chebyshev polynomials, IEEE Trans. ASSP 34 (1986).
+ * @{
+ */
+
+/** Predictor to line spectrum, 32f. */
+ORV_API OrvStatus orvsLPToLSP_32f(const float *pSrc, float *pDst, int32_t order, int32_t *pFound,
+                                  int32_t nIntervals, int32_t nBisect);
+/** Predictor to line spectrum, 16s. */
+ORV_API OrvStatus orvsLPToLSP_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int16_t *pDst, int32_t order,
+                                      int32_t *pFound, int32_t nIntervals, int32_t nBisect,
+                                      int32_t scaleFactor);
+/** Line spectrum to predictor, 32f. */
+ORV_API OrvStatus orvsLSPToLP_32f(const float *pSrc, float *pDst, int32_t order);
+/** Line spectrum to predictor, 16s. */
+ORV_API OrvStatus orvsLSPToLP_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int16_t *pDst, int32_t order,
+                                      int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup lpspectrum Inverse magnitude spectrum of a predictor
+ *
+ * 2^fftOrder values 1 / |X[k]|, X being the transform of length 2^(fftOrder + 1) of 0, a[0], ..., a[len - 1],
+ * with val subtracted from the real part of bin 0. The bin at half the sampling rate is left out. At a
+ * magnitude of exactly 0 the 32f form writes 2139095040.0 (a number, not an infinity), the 16s form
+ * saturates.
+ *
+ * The 16s form takes a and val as plain integers and writes the result times 2^-scaleFactor, rounded, ties to
+ * even, saturated.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1 or at or above 2^(fftOrder + 1), the shift taken
+ * modulo 32), the statuses of the transform (orvStsFftOrderErr for an order that it does not have,
+ * orvStsMemAllocErr), orvStsDivByZeroWrn (a magnitude of 0; all is written), orvStsNoErr.
+ *
+ * Source of the method: J. Makhoul, Linear prediction: a tutorial review, Proc. IEEE 63 (1975), section III.
+ * @{
+ */
+
+/** Spectrum of a 32f predictor of len coefficients. */
+ORV_API OrvStatus orvsLPToSpectrum_32f(const float *pSrc, int32_t len, float *pDst, int32_t fftOrder,
+                                       float val);
+/** Spectrum of a 16s predictor of len coefficients. */
+ORV_API OrvStatus orvsLPToSpectrum_16s_Sfs(const int16_t *pSrc, int32_t len, int16_t *pDst, int32_t fftOrder,
+                                           int32_t val, int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup reflectionareas Area ratios of reflection coefficients
+ *
+ *     AR:      (1 - k[i]) / (1 + k[i])
+ *     TrueAR:  the running product of the area ratios
+ *     LAR:     ln((1 - k[i]) / (1 + k[i])); for k at or below -threshold and at or above it the value at the
+ * threshold
+ *
+ * in single, logarithms in double, rounded once. AR at k = -1 is plus infinity. TrueAR from the first k = -1
+ * on is an infinity of the product's sign (minus for a product of 0) that changes with every k outside -1 ..
+ * 1, and from the next k = 1 on NaN.
+ *
+ * The 16s forms read k as integers times 2^-srcShift and write the result times 2^-scaleFactor, saturated and
+ * truncated toward zero. Infinities saturate, what is NaN in 32f is 0.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsRangeErr (LAR: threshold not between 0 and
+ * 1), orvStsDivByZeroWrn (AR, TrueAR: a k of -1; all is written), orvStsNoErr.
+ *
+ * Source of the method: J. Markel and A. Gray, Linear Prediction of Speech, 1976, chapters 4 and 10.
+ * @{
+ */
+
+/** Area ratios, 32f. */
+ORV_API OrvStatus orvsReflectionToAR_32f(const float *pSrc, float *pDst, int32_t len);
+/** Area ratios, 16s. */
+ORV_API OrvStatus orvsReflectionToAR_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int16_t *pDst,
+                                             int32_t len, int32_t scaleFactor);
+/** Running products of area ratios, 32f. */
+ORV_API OrvStatus orvsReflectionToTrueAR_32f(const float *pSrc, float *pDst, int32_t len);
+/** Running products of area ratios, 16s. */
+ORV_API OrvStatus orvsReflectionToTrueAR_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int16_t *pDst,
+                                                 int32_t len, int32_t scaleFactor);
+/** Log area ratios, 32f. */
+ORV_API OrvStatus orvsReflectionToLAR_32f(const float *pSrc, float *pDst, int32_t len, float threshold);
+/** Log area ratios, 16s. */
+ORV_API OrvStatus orvsReflectionToLAR_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int16_t *pDst,
+                                              int32_t len, int32_t scaleFactor, float threshold);
+/** @} */
+
+/**
+ * @defgroup reflectiontilt Spectral tilt from two reflection coefficients
+ *
+ *     Tilt:     (|a| - |b|) / (a + b)            AbsTilt:  (|a| - |b|) / (|a| + |b|)
+ *
+ * for len pairs a = pSrc1[i], b = pSrc2[i], in single. Where the divisor is 0 the 32f forms write NaN and the
+ * 16s forms 0. The 16s forms write the quotient times 2^-scaleFactor, saturated and truncated toward zero.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (a divisor of 0; all is
+ * written), orvStsNoErr.
+ * @{
+ */
+
+/** Tilt, 32f. */
+ORV_API OrvStatus orvsReflectionToTilt_32f(const float *pSrc1, const float *pSrc2, float *pDst, int32_t len);
+/** Tilt, 16s. */
+ORV_API OrvStatus orvsReflectionToTilt_16s_Sfs(const int16_t *pSrc1, const int16_t *pSrc2, int16_t *pDst,
+                                               int32_t len, int32_t scaleFactor);
+/** Absolute tilt, 32f. */
+ORV_API OrvStatus orvsReflectionToAbsTilt_32f(const float *pSrc1, const float *pSrc2, float *pDst,
+                                              int32_t len);
+/** Absolute tilt, 16s. */
+ORV_API OrvStatus orvsReflectionToAbsTilt_16s_Sfs(const int16_t *pSrc1, const int16_t *pSrc2, int16_t *pDst,
+                                                  int32_t len, int32_t scaleFactor);
+/** @} */
+
 /* ---------------------------------------------------------------- correlation and pitch candidates */
 
 /**
