@@ -502,6 +502,546 @@ ORV_API OrvStatus orvsLogGauss_IdVarLowScaled_16s32f_D2L(const int16_t *const *p
 /** @} */
 
 /**
+ * @defgroup loggaussmax Running maximum of the scores of frames
+ *
+ *     pResult[f] = max(pResult[f], score[f])                                  f = 0 .. frames - 1
+ *
+ * with score[f] the score of frame f under one more Gaussian, as in @ref loggauss and from the same
+ * arguments. pResult holds the running scores on entry and is changed in place; the caller sets what it
+ * starts from. A score that is a NaN leaves pResult[f] as it is.
+ *
+ * The integer members negate the sum S before they shift it, so that the score gconst + (-S >> (scaleFactor +
+ * 1)) is rounded down: it may be 1 below that of the same frame in @ref loggauss, which is rounded up.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Running maximum over scores of 32f frames in one array with a row step, inverse variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_32f_D2(const float *pSrc, int32_t step, const float *pMean,
+                                         const float *pVar, int32_t featLen, float *pResult, int32_t frames,
+                                         float gconst);
+
+/**
+ * Running maximum over scores of 32f frames in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
+                                          int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Running maximum over scores of 64f frames in one array with a row step, inverse variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                         const double *pVar, int32_t featLen, double *pResult, int32_t frames,
+                                         double gconst);
+
+/**
+ * Running maximum over scores of 64f frames in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
+                                          int32_t featLen, double *pResult, int32_t frames, double gconst);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, inverse variances: with an exact
+ * 64-bit sum S, gconst + (-S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                               const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                               int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, inverse variances: with an exact 64-bit sum S,
+ * gconst + (-S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                                int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, inverse variances: with an exact
+ * 64-bit sum S, gconst + (-S >> (scaleFactor + 1)), compared with pResult[f] in 64 bits; if it is not less,
+ * its low 32 bits are stored. So a score above the 32-bit range wins and wraps.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                   const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                                   int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, inverse variances: with an exact 64-bit sum S,
+ * gconst + (-S >> (scaleFactor + 1)), compared with pResult[f] in 64 bits; if it is not less, its low 32
+ * bits are stored. So a score above the 32-bit range wins and wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                    const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                                    int32_t frames, int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, inverse variances: with a 32f sum
+ * S, gconst - S * factor with factor = 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                   const int16_t *pVar, int32_t featLen, float *pResult,
+                                                   int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, inverse variances: with a 32f sum S, gconst - S
+ * * factor with factor = 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                    const int16_t *pVar, int32_t featLen, float *pResult,
+                                                    int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, inverse variances: with a 32f sum
+ * S, gconst - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                      const int16_t *pVar, int32_t featLen, float *pResult,
+                                                      int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, inverse variances: with a 32f sum S, gconst - S
+ * * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                       const int16_t *pVar, int32_t featLen, float *pResult,
+                                                       int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 32f frames in one array with a row step, unit variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean,
+                                               int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Running maximum over scores of 32f frames in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean,
+                                                int32_t featLen, float *pResult, int32_t frames,
+                                                float gconst);
+
+/**
+ * Running maximum over scores of 64f frames in one array with a row step, unit variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                               int32_t featLen, double *pResult, int32_t frames,
+                                               double gconst);
+
+/**
+ * Running maximum over scores of 64f frames in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean,
+                                                int32_t featLen, double *pResult, int32_t frames,
+                                                double gconst);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, unit variances: with an exact
+ * 64-bit sum S, gconst + (-S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                     int32_t featLen, int32_t *pResult, int32_t frames,
+                                                     int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, unit variances: with an exact 64-bit sum S,
+ * gconst + (-S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                      int32_t featLen, int32_t *pResult, int32_t frames,
+                                                      int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, unit variances: with an exact
+ * 64-bit sum S, gconst + (-S >> (scaleFactor + 1)), compared with pResult[f] in 64 bits; if it is not less,
+ * its low 32 bits are stored. So a score above the 32-bit range wins and wraps.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step,
+                                                        const int16_t *pMean, int32_t featLen,
+                                                        int32_t *pResult, int32_t frames, int32_t gconst,
+                                                        int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, unit variances: with an exact 64-bit sum S,
+ * gconst + (-S >> (scaleFactor + 1)), compared with pResult[f] in 64 bits; if it is not less, its low 32
+ * bits are stored. So a score above the 32-bit range wins and wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                         int32_t featLen, int32_t *pResult, int32_t frames,
+                                                         int32_t gconst, int32_t scaleFactor);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, unit variances: with a 32f sum S,
+ * gconst - S * factor with factor = 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
+                                                        const int16_t *pMean, int32_t featLen, float *pResult,
+                                                        int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, unit variances: with a 32f sum S, gconst - S *
+ * factor with factor = 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                         int32_t featLen, float *pResult, int32_t frames,
+                                                         int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 16s frames in one array with a row step, unit variances: with a 32f sum S,
+ * gconst - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
+                                                           const int16_t *pMean, int32_t featLen,
+                                                           float *pResult, int32_t frames,
+                                                           int32_t scaleFactor, float gconst);
+
+/**
+ * Running maximum over scores of 16s frames in row pointers, unit variances: with a 32f sum S, gconst - S *
+ * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                            int32_t featLen, float *pResult, int32_t frames,
+                                                            int32_t scaleFactor, float gconst);
+
+/** @} */
+
+/**
+ * @defgroup loggaussadd Running log-sum of the scores of frames
+ *
+ *     pResult[f] = log(exp(pResult[f]) + exp(score[f]))                       f = 0 .. frames - 1
+ *
+ * with score[f] the score of frame f under one more Gaussian, as in @ref loggauss and from the same
+ * arguments, rounded to the type of the result. pResult holds the running log-sums on entry and is changed in
+ * place; the caller sets what it starts from.
+ *
+ * The addition is that of @ref logadd by its accurate path. A term that lies further below the other than the
+ * drop threshold is left out, and only then is the result raised to the floor (-4.5e6; for 64f, -1e10 below
+ * -9e9).
+ *
+ * Frames are taken one by one; every sum is grouped by the alignment of pVar (pMean in the IdVar forms).
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Running log-sum over scores of 32f frames in one array with a row step, inverse variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_32f_D2(const float *pSrc, int32_t step, const float *pMean,
+                                         const float *pVar, int32_t featLen, float *pResult, int32_t frames,
+                                         float gconst);
+
+/**
+ * Running log-sum over scores of 32f frames in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
+                                          int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Running log-sum over scores of 64f frames in one array with a row step, inverse variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                         const double *pVar, int32_t featLen, double *pResult, int32_t frames,
+                                         double gconst);
+
+/**
+ * Running log-sum over scores of 64f frames in row pointers, inverse variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
+                                          int32_t featLen, double *pResult, int32_t frames, double gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in one array with a row step, inverse variances: with a 32f sum
+ * S, gconst - S * 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                   const int16_t *pVar, int32_t featLen, float *pResult,
+                                                   int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in row pointers, inverse variances: with a 32f sum S, gconst - S
+ * * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                    const int16_t *pVar, int32_t featLen, float *pResult,
+                                                    int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in one array with a row step, inverse variances: with a 32f sum
+ * S, gconst - S * 2^-(scaleFactor + 1). The same as orvsLogGaussAdd_Scaled_16s32f_D2(): in this family, and
+ * in no other, the two factors are equal over the whole range.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                      const int16_t *pVar, int32_t featLen, float *pResult,
+                                                      int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in row pointers, inverse variances: with a 32f sum S, gconst - S
+ * * 2^-(scaleFactor + 1). The same as orvsLogGaussAdd_Scaled_16s32f_D2L(): in this family, and in no other,
+ * the two factors are equal over the whole range.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                       const int16_t *pVar, int32_t featLen, float *pResult,
+                                                       int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 32f frames in one array with a row step, unit variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean,
+                                               int32_t featLen, float *pResult, int32_t frames, float gconst);
+
+/**
+ * Running log-sum over scores of 32f frames in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean,
+                                                int32_t featLen, float *pResult, int32_t frames,
+                                                float gconst);
+
+/**
+ * Running log-sum over scores of 64f frames in one array with a row step, unit variances.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                               int32_t featLen, double *pResult, int32_t frames,
+                                               double gconst);
+
+/**
+ * Running log-sum over scores of 64f frames in row pointers, unit variances.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean,
+                                                int32_t featLen, double *pResult, int32_t frames,
+                                                double gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in one array with a row step, unit variances: with a 32f sum S,
+ * gconst - S * 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
+                                                        const int16_t *pMean, int32_t featLen, float *pResult,
+                                                        int32_t frames, int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in row pointers, unit variances: with a 32f sum S, gconst - S *
+ * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                         int32_t featLen, float *pResult, int32_t frames,
+                                                         int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in one array with a row step, unit variances: with a 32f sum S,
+ * gconst - S * 2^-(scaleFactor + 1). The same as orvsLogGaussAdd_IdVarScaled_16s32f_D2(): in this family,
+ * and in no other, the two factors are equal over the whole range.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
+                                                           const int16_t *pMean, int32_t featLen,
+                                                           float *pResult, int32_t frames,
+                                                           int32_t scaleFactor, float gconst);
+
+/**
+ * Running log-sum over scores of 16s frames in row pointers, unit variances: with a 32f sum S, gconst - S *
+ * 2^-(scaleFactor + 1). The same as orvsLogGaussAdd_IdVarScaled_16s32f_D2L(): in this family, and in no
+ * other, the two factors are equal over the whole range.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                            int32_t featLen, float *pResult, int32_t frames,
+                                                            int32_t scaleFactor, float gconst);
+
+/** @} */
+
+/**
+ * @defgroup mahdist Mahalanobis distance
+ *
+ *     distance = sum over j of (x[j] - mean[j])^2 * var[j]                    j = 0 .. featLen - 1
+ *
+ * the squared distance of a vector from a mean, weighted by inverse variances: neither halved nor rooted, and
+ * without a constant. The MahDistSingle functions take one vector and one mean, the MahDist functions many
+ * vectors (frames) and one mean, the MahDistMultiMix functions one vector and many means, each with its own
+ * inverse variances.
+ *
+ * Arguments:
+ * - pSrc: the vector; or, with step, frames rows of featLen values, a row every step elements
+ *   (step >= featLen); or ppSrc: frames pointers to rows of featLen values.
+ * - pMean, pVar: the mean and the inverse variances; or, with step, count rows of either; or ppMean, ppVar:
+ *   count pointers each to rows of featLen values. Inverse variances are not tested: with negative ones a
+ *   distance may be negative. Row pointers are not tested for null.
+ * - len, featLen: values in a vector, 1 or more.
+ * - pResult: one distance, or one for each row, written.
+ * - frames, count: number of rows, 1 or more.
+ * - scaleFactor: of the integer form, any value.
+ *
+ * The 32f and 64f sums are grouped as in @ref loggausssingle and @ref loggauss. The deciding pointer of the
+ * MahDistMultiMix functions is the fourth row of inverse variances of a group of four, and the row's own in
+ * rows left over.
+ *
+ * Source of the method: P. C. Mahalanobis, On the generalised distance in statistics, Proceedings of the
+ * National Institute of Sciences of India 2, 1936, pages 49-55.
+ * @{
+ */
+
+/**
+ * Distance of a 32f vector, in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistSingle_32f(const float *pSrc, const float *pMean, const float *pVar, int32_t len,
+                                        float *pResult);
+
+/**
+ * Distance of a 64f vector, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistSingle_64f(const double *pSrc, const double *pMean, const double *pVar,
+                                        int32_t len, double *pResult);
+
+/**
+ * Distance of a 32f vector; every value is widened and all work done in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistSingle_32f64f(const float *pSrc, const float *pMean, const float *pVar,
+                                           int32_t len, double *pResult);
+
+/**
+ * Distance of a 16s vector; every value is converted and all work done in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistSingle_16s32f(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
+                                           int32_t len, float *pResult);
+
+/**
+ * Distance of a 16s vector: an exact 64-bit sum, shifted right by scaleFactor (rounded down) and saturated
+ * to 32 bits. There is no 1/2 that would be one more bit of shift.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistSingle_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
+                                               int32_t len, int32_t *pResult, int32_t scaleFactor);
+
+/**
+ * Distances of 32f frames in one array with a row step.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDist_32f_D2(const float *pSrc, int32_t step, const float *pMean, const float *pVar,
+                                     int32_t featLen, float *pResult, int32_t frames);
+
+/**
+ * Distances of 32f frames in row pointers.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDist_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
+                                      int32_t featLen, float *pResult, int32_t frames);
+
+/**
+ * Distances of 64f frames in one array with a row step.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDist_64f_D2(const double *pSrc, int32_t step, const double *pMean,
+                                     const double *pVar, int32_t featLen, double *pResult, int32_t frames);
+
+/**
+ * Distances of 64f frames in row pointers.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or frames below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDist_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
+                                      int32_t featLen, double *pResult, int32_t frames);
+
+/**
+ * Distances of a 32f vector from means in matrices with a row step.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
+                                             const float *pSrc, int32_t featLen, float *pResult,
+                                             int32_t count);
+
+/**
+ * Distances of a 32f vector from means in row pointers.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
+                                              const float *pSrc, int32_t featLen, float *pResult,
+                                              int32_t count);
+
+/**
+ * Distances of a 64f vector from means in matrices with a row step.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
+                                             const double *pSrc, int32_t featLen, double *pResult,
+                                             int32_t count);
+
+/**
+ * Distances of a 64f vector from means in row pointers.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMahDistMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
+                                              const double *pSrc, int32_t featLen, double *pResult,
+                                              int32_t count);
+
+/** @} */
+
+/**
  * @defgroup loggaussmixture Score of a vector under a mixture of Gaussians
  *
  *     *pResult = log(sum over m of exp(score[m]))                                  m = 0 .. nMix - 1

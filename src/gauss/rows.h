@@ -50,6 +50,7 @@ template <class Rows>
 struct FrameBlock {
   using Elem = typename Rows::Elem;
   static constexpr bool twoGroups = true;
+  static constexpr bool oneHead = true;  // four rows further the alignment of what decides is the same
   Rows frames;
   const Elem *mean;
   const Elem *weights;
@@ -66,11 +67,15 @@ struct FrameBlock {
 };
 
 // One vector against many Gaussians: means and weights are rows, the vector is shared. Without weighting,
-// weights are the means as well.
-template <class Rows>
+// weights are the means as well. With a row step the weights decide; with row pointers the families differ.
+enum class Deciding { vector, weights };
+
+template <class Rows, Deciding withPointers = Deciding::vector>
 struct ComponentBlock {
   using Elem = typename Rows::Elem;
+  static constexpr bool byWeights = Rows::strided || withPointers == Deciding::weights;
   static constexpr bool twoGroups = false;
+  static constexpr bool oneHead = Rows::strided || !byWeights;
   Rows means;
   Rows weights;
   const Elem *vector;
@@ -84,8 +89,8 @@ struct ComponentBlock {
   bool aligned(std::int32_t r) const {
     return means.alignedWith(vector, r) && weights.alignedWith(vector, r);
   }
-  const Elem *decidingOne(std::int32_t r) const { return Rows::strided ? weights.row(r) : vector; }
-  const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? weights.row(r + 3) : vector; }
+  const Elem *decidingOne(std::int32_t r) const { return byWeights ? weights.row(r) : vector; }
+  const Elem *decidingFour(std::int32_t r) const { return byWeights ? weights.row(r + 3) : vector; }
 };
 
 // The gconst of a row: one for all, or one each.

@@ -128,8 +128,7 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
                                              const Constants &constants, const Score &score, Sink &&sink) {
   using Fold = typename Score::Fold;
   using Four = typename Form::Four;
-  // Four rows further the alignment is the same: the groups of a call share their head.
-  const std::int32_t head = Form::peels && rows >= 4 ? alignedHead(block.decidingFour(0), len) : 0;
+  std::int32_t head = Form::peels && rows >= 4 ? alignedHead(block.decidingFour(0), len) : 0;
   std::int32_t r = 0;
   if (Block::twoGroups && len - head >= Form::Lanes::lanes)
     for (; rows - r >= 8; r += 8) {
@@ -141,6 +140,7 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
       sink.four(r + 4, score.finish(sums[1], gconst[1]));
     }
   for (; rows - r >= 4; r += 4) {
+    if (Form::peels && !Block::oneHead) head = alignedHead(block.decidingFour(r), len);
     const Four gconst = constants.template four<Form>(r);
     const Four sums =
         sumFourRows<Form, weighting, Fold>(block.four(r), len, head, block.aligned(r), score.start(gconst));

@@ -218,7 +218,7 @@ OrvStatus orvsLogGaussSingle_DirectVar_16s32s_Sfs(const int16_t *pSrc, const int
     sum = addWrap64(sum, static_cast<std::int64_t>(static_cast<double>(d * d) / variance));
   }
   const std::int64_t shift = std::int64_t{scaleFactor} + 17;
-  if (shift > 0) sum = addWrap64(sum, shiftLeft32(1, static_cast<unsigned>((shift + 31) % 32)));
+  if (shift > 0) sum = addWrap64(sum, shiftLeft32(1, static_cast<unsigned>(shift + 31)));
   store(pResult, sat32(ExactScore{shift}(sum, gconst)));
   return orvStsNoErr;
 }

@@ -105,16 +105,23 @@ inline const std::vector<std::int32_t> &scaleFactors() {
   return factors;
 }
 
+// v / 2^n, rounded down; the low six bits of n count.
+inline std::int64_t shifted(std::int64_t v, std::int64_t n) {
+  return n > 0 ? v >> (n & 63) : static_cast<std::int64_t>(static_cast<std::uint64_t>(v) << (-n & 63));
+}
+inline std::int64_t wrappedSum(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
+}
+inline std::int32_t saturated(std::int64_t v) {
+  if (v >= INT32_MAX) return INT32_MAX;
+  return v <= INT32_MIN ? INT32_MIN : static_cast<std::int32_t>(v);
+}
+
 // gconst - sum / 2^(scaleFactor + 1) by shifts, saturated or wrapped.
 inline std::int32_t exactScore(std::int64_t sum, std::int32_t gconst, std::int64_t scaleFactor, bool wraps) {
-  const std::int64_t n = scaleFactor + 1;
-  const std::int64_t shifted =
-      n > 0 ? sum >> (n & 63) : static_cast<std::int64_t>(static_cast<std::uint64_t>(sum) << (-n & 63));
-  const auto score = static_cast<std::int64_t>(static_cast<std::uint64_t>(std::int64_t{gconst}) -
-                                               static_cast<std::uint64_t>(shifted));
-  if (wraps) return static_cast<std::int32_t>(static_cast<std::uint32_t>(score));
-  if (score >= INT32_MAX) return INT32_MAX;
-  return score <= INT32_MIN ? INT32_MIN : static_cast<std::int32_t>(score);
+  // Without an overflow at the least value: -v = ~v + 1.
+  const std::int64_t score = wrappedSum(wrappedSum(~shifted(sum, scaleFactor + 1), 1), gconst);
+  return wraps ? static_cast<std::int32_t>(static_cast<std::uint32_t>(score)) : saturated(score);
 }
 
 // One fault that an argument list may have, and the status it gives.

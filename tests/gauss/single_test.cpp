@@ -271,7 +271,7 @@ TYPED_TEST(SingleVector, SumsInGroupsAtEveryLengthAndAlignment) {
         this->check(random, len, whole, offset, static_cast<std::int32_t>(random() % 48) - 8);
         if (this->HasFatalFailure()) return;
       }
-  for (const std::size_t len : {111, 112, 500}) this->check(random, len, true, 0, 3);
+  for (const std::size_t len : {111U, 112U, 500U}) this->check(random, len, true, 0, 3);
 }
 
 TYPED_TEST(SingleVector, ScaleFactorsToBothEnds) {
@@ -319,7 +319,7 @@ TYPED_TEST(SingleVector, ZeroVarianceIsAWarningThatWritesNothing) {
   const std::vector<T> zeros(9);
   for (const auto &member : members<T, R>()) {
     if (member.weight != Weight::direct) continue;
-    for (const std::size_t place : {0, 8})
+    for (const std::size_t place : {0U, 8U})
       for (const T zero : {T{0}, static_cast<T>(-T{0})}) {
         std::vector<T> var(9, 1);
         var[place] = zero;
@@ -338,7 +338,7 @@ TYPED_TEST(SingleVector, BlockFormsAllocateFromLength112On) {
   constexpr bool keeps = std::is_same_v<R, std::int32_t>;
   const Member<T, R> member = members<T, R>().back();
   ASSERT_EQ(member.weight, Weight::blocks);
-  for (const std::size_t len : {111, 112}) {
+  for (const std::size_t len : {111U, 112U}) {
     for (const bool fails : {false, true}) {
       Allocations allocations;
       Guarded<R> result(1);

@@ -1,0 +1,278 @@
+// orvsLogGaussMax_*: many frames against one Gaussian, each score kept where it is the greatest so far.
+//
+// The integer members shift the negated sum and so round a score down, where those of orvsLogGauss_* round it
+// up.
+
+#include "gauss/checks.h"
+#include "gauss/score.h"
+#include "gauss/sinks.h"
+#include "orvsr/gauss.h"
+
+using namespace orv;
+using namespace orv::gauss;
+
+OrvStatus orvsLogGaussMax_32f_D2(const float *pSrc, int32_t step, const float *pMean, const float *pVar,
+                                 int32_t featLen, float *pResult, int32_t frames, float gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pVar};
+  scoreRows<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                DoubledConstant<float>{}, KeepMaximum<Single>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
+                                  int32_t featLen, float *pResult, int32_t frames, float gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pVar};
+  scoreRows<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                DoubledConstant<float>{}, KeepMaximum<Single>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_64f_D2(const double *pSrc, int32_t step, const double *pMean, const double *pVar,
+                                 int32_t featLen, double *pResult, int32_t frames, double gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pVar};
+  scoreRows<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                DoubledConstant<double>{}, KeepMaximum<Double>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
+                                  int32_t featLen, double *pResult, int32_t frames, double gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pVar};
+  scoreRows<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                DoubledConstant<double>{}, KeepMaximum<Double>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                       const int16_t *pVar, int32_t featLen, int32_t *pResult, int32_t frames,
+                                       int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                               NegatedExactScore{plusOne(scaleFactor)},
+                                               KeepMaximumSaturated{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                        const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                        int32_t frames, int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                               NegatedExactScore{plusOne(scaleFactor)},
+                                               KeepMaximumSaturated{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                           const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                           int32_t frames, int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                               NegatedExactScore{plusOne(scaleFactor)},
+                                               KeepMaximumWrapped{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                            const int16_t *pVar, int32_t featLen, int32_t *pResult,
+                                            int32_t frames, int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                               NegatedExactScore{plusOne(scaleFactor)},
+                                               KeepMaximumWrapped{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                           const int16_t *pVar, int32_t featLen, float *pResult,
+                                           int32_t frames, int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                   ScaledSum{halvedScale(scaleFactor)},
+                                                   KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                            const int16_t *pVar, int32_t featLen, float *pResult,
+                                            int32_t frames, int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                   ScaledSum{halvedScale(scaleFactor)},
+                                                   KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                              const int16_t *pVar, int32_t featLen, float *pResult,
+                                              int32_t frames, int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                   ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
+                                                   KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                               const int16_t *pVar, int32_t featLen, float *pResult,
+                                               int32_t frames, int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
+                                                   ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
+                                                   KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean, int32_t featLen,
+                                       float *pResult, int32_t frames, float gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pMean};
+  scoreRows<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<float>{},
+                                     KeepMaximum<Single>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean, int32_t featLen,
+                                        float *pResult, int32_t frames, float gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pMean};
+  scoreRows<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<float>{},
+                                     KeepMaximum<Single>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean, int32_t featLen,
+                                       double *pResult, int32_t frames, double gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pMean};
+  scoreRows<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<double>{},
+                                     KeepMaximum<Double>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean, int32_t featLen,
+                                        double *pResult, int32_t frames, double gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pMean};
+  scoreRows<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<double>{},
+                                     KeepMaximum<Double>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                             int32_t featLen, int32_t *pResult, int32_t frames,
+                                             int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                    NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumSaturated{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                              int32_t featLen, int32_t *pResult, int32_t frames,
+                                              int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                    NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumSaturated{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                int32_t featLen, int32_t *pResult, int32_t frames,
+                                                int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                    NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumWrapped{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                 int32_t featLen, int32_t *pResult, int32_t frames,
+                                                 int32_t gconst, int32_t scaleFactor) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                    NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumWrapped{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                int32_t featLen, float *pResult, int32_t frames,
+                                                int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                        ScaledSum{halvedScale(scaleFactor)}, KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                 int32_t featLen, float *pResult, int32_t frames,
+                                                 int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                        ScaledSum{halvedScale(scaleFactor)}, KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
+                                                   int32_t featLen, float *pResult, int32_t frames,
+                                                   int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                        ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
+                                        KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
+
+OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
+                                                    int32_t featLen, float *pResult, int32_t frames,
+                                                    int32_t scaleFactor, float gconst) {
+  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  if (status != orvStsNoErr) return status;
+  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
+                                        ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
+                                        KeepMaximum<Converted>{pResult});
+  return orvStsNoErr;
+}
