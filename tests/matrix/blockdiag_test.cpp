@@ -31,6 +31,10 @@ using Types = ::testing::Types<
 TYPED_TEST_SUITE(BlockDMatrix, Types);
 
 std::size_t padded(std::size_t bytes) { return (bytes + 15) & ~std::size_t{15}; }
+template <class T>
+std::size_t rowBytes(std::int32_t size) {
+  return padded(static_cast<std::size_t>(size) * sizeof(T));
+}
 
 TYPED_TEST(BlockDMatrix, HoldsACopyOfEveryRowInOneBlockOfTheStatedSize) {
   using T = typename TypeParam::Elem;
@@ -44,8 +48,9 @@ TYPED_TEST(BlockDMatrix, HoldsACopyOfEveryRowInOneBlockOfTheStatedSize) {
       std::vector<std::vector<T>> source;
       std::size_t bytes = padded(4 * sizes.size()) + padded(8 * rowCount) + 47;
       for (const std::int32_t size : sizes) {
-        for (std::int32_t i = 0; i < size; ++i) source.push_back(wholeNumbers<T>(random, size, 100));
-        bytes += padded(size * sizeof(T)) * padded(size * sizeof(T));
+        const auto width = static_cast<std::size_t>(size);
+        for (std::size_t i = 0; i < width; ++i) source.push_back(wholeNumbers<T>(random, width, 100));
+        bytes += rowBytes<T>(size) * rowBytes<T>(size);
       }
       const std::vector<std::vector<T>> expected = source;
       std::vector<const T *> rows;
@@ -66,7 +71,7 @@ TYPED_TEST(BlockDMatrix, HoldsACopyOfEveryRowInOneBlockOfTheStatedSize) {
           if (i > 0) {
             EXPECT_EQ(
                 reinterpret_cast<char *>(matrix->rows[r]) - reinterpret_cast<char *>(matrix->rows[r - 1]),
-                static_cast<std::ptrdiff_t>(padded(sizes[b] * sizeof(T))));
+                static_cast<std::ptrdiff_t>(rowBytes<T>(sizes[b])));
           }
           ASSERT_EQ(std::vector<T>(matrix->rows[r], matrix->rows[r] + sizes[b]), expected[r]);
         }
