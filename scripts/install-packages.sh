@@ -7,7 +7,7 @@ packages() {
   case $1 in
     build) echo "build-essential cmake ninja-build pkg-config" ;;
     hosts) echo "libsndfile1-dev libcli11-dev nlohmann-json3-dev libxtensor-dev zlib1g-dev" ;;
-    tests) echo "libgtest-dev binutils" ;;
+    tests) echo "libgtest-dev binutils liblapack-dev" ;;
     bench) echo "libbenchmark-dev libfftw3-dev libkissfft-dev libeigen3-dev libopenblas-dev" ;;
     speech)
       for language in en es fr it ru; do echo "asterisk-core-sounds-$language-wav"; done ;;

@@ -138,6 +138,103 @@ ORV_API OrvStatus orvsRecSqrt_32s16s_Sfs(const int32_t *pSrc, int16_t *pDst, int
 
 /* ---------------------------------------------------------------- singular value decomposition */
 
+/**
+ * @defgroup svd Singular value decomposition
+ *
+ *     A = U diag(W) V^T
+ *
+ * of a height x width matrix, by Householder reduction to bidiagonal form and implicitly shifted QR
+ * iteration. U is height x width and takes the place of A in the in-place forms, W has width values, none
+ * negative, V is width x width and not transposed. Where the height is below the width the values beyond it
+ * are 0. The plain forms leave the values in no special order; the Sort forms order them descending, and the
+ * columns of U and V with them, by selection: the largest value, the first of equals, changes places with the
+ * next.
+ *
+ * Arguments:
+ * - pSrc, pDstU, pDstV with step: matrices in one array each, all with a row every step elements (step >=
+ * width); or ppSrc, ppDstU, ppDstV: arrays of row pointers. pSrcDstU, ppSrcDstU: A, replaced by U.
+ * - height, width: 1 or more.
+ * - iterations: the most QR sweeps that a single value may take, and one more: with 1, only a matrix whose
+ * bidiagonal form is diagonal converges. 30 is usual.
+ *
+ * A value whose magnitude is lost in the largest sum of a row of the bidiagonal form counts as zero. NaNs in
+ * A stay in the results.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (height, width or iterations below 1, step below width),
+ * orvStsMemAllocErr (two copies of the matrices are worked on), orvStsSvdConvergeErr (U, W and V hold what
+ * was reached), orvStsNoErr.
+ *
+ * Source of the method: G. Golub and C. Reinsch, Singular value decomposition and least squares solutions,
+ * Numerische Mathematik 14 (1970).
+ * @{
+ */
+
+/** Decomposition of a matrix with a row step. */
+ORV_API OrvStatus orvsSVD_64f_D2(const double *pSrc, double *pDstU, int32_t height, double *pDstW,
+                                 double *pDstV, int32_t width, int32_t step, int32_t iterations);
+/** Decomposition of a matrix with a row step, in place. */
+ORV_API OrvStatus orvsSVD_64f_D2_I(double *pSrcDstU, int32_t height, double *pDstW, double *pDstV,
+                                   int32_t width, int32_t step, int32_t iterations);
+/** Decomposition of a matrix of row pointers. */
+ORV_API OrvStatus orvsSVD_64f_D2L(const double *const *ppSrc, double *const *ppDstU, int32_t height,
+                                  double *pDstW, double *const *ppDstV, int32_t width, int32_t iterations);
+/** Decomposition of a matrix of row pointers, in place. */
+ORV_API OrvStatus orvsSVD_64f_D2L_I(double *const *ppSrcDstU, int32_t height, double *pDstW,
+                                    double *const *ppDstV, int32_t width, int32_t iterations);
+/** Decomposition of a matrix with a row step, values descending. */
+ORV_API OrvStatus orvsSVDSort_64f_D2(const double *pSrc, double *pDstU, int32_t height, double *pDstW,
+                                     double *pDstV, int32_t width, int32_t step, int32_t iterations);
+/** Decomposition of a matrix with a row step, in place, values descending. */
+ORV_API OrvStatus orvsSVDSort_64f_D2_I(double *pSrcDstU, int32_t height, double *pDstW, double *pDstV,
+                                       int32_t width, int32_t step, int32_t iterations);
+/** Decomposition of a matrix of row pointers, values descending. */
+ORV_API OrvStatus orvsSVDSort_64f_D2L(const double *const *ppSrc, double *const *ppDstU, int32_t height,
+                                      double *pDstW, double *const *ppDstV, int32_t width,
+                                      int32_t iterations);
+/** Decomposition of a matrix of row pointers, in place, values descending. */
+ORV_API OrvStatus orvsSVDSort_64f_D2L_I(double *const *ppSrcDstU, int32_t height, double *pDstW,
+                                        double *const *ppDstV, int32_t width, int32_t iterations);
+/** @} */
+
+/**
+ * @defgroup columnroutines Single columns and rows
+ *
+ * The operations that the decomposition consists of. Matrices are arrays of `rows` pointers to rows of
+ * `columns` values; a column is named by its index, and taken from firstRow on.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (columns, rows or len below 1; a column or firstRow that the
+ * matrix has not), orvStsNoErr.
+ * @{
+ */
+
+/** *pSum = sum of |a[r][column]|. */
+ORV_API OrvStatus orvsSumColumnAbs_64f_D2L(const double *const *ppSrc, int32_t columns, int32_t rows,
+                                           double *pSum, int32_t column, int32_t firstRow);
+/** a[r][column] *= factor, and *pSum = sum of the squares of what results. */
+ORV_API OrvStatus orvsSumColumnSqr_64f_D2L(double *const *ppSrcDst, int32_t columns, int32_t rows,
+                                           double *pSum, int32_t column, int32_t firstRow, double factor);
+/** *pSum = sum of a[r][column1] a[r][column2]. */
+ORV_API OrvStatus orvsDotProdColumn_64f_D2L(const double *const *ppSrc, int32_t columns, int32_t rows,
+                                            double *pSum, int32_t column1, int32_t column2, int32_t firstRow);
+/** a[r][dstColumn] += factor a[r][srcColumn]. */
+ORV_API OrvStatus orvsAddMulColumn_64f_D2L(double *const *ppSrcDst, int32_t columns, int32_t rows,
+                                           int32_t srcColumn, int32_t dstColumn, int32_t firstRow,
+                                           double factor);
+/** a[r][column] *= factor. */
+ORV_API OrvStatus orvsMulColumn_64f_D2L(double *const *ppSrcDst, int32_t columns, int32_t rows,
+                                        int32_t column, int32_t firstRow, double factor);
+/** Over all rows, with x = a[r][column2] and y = a[r][column1]: a[r][column2] = c x + s y, a[r][column1] = c
+ * y - s x. */
+ORV_API OrvStatus orvsQRTransColumn_64f_D2L(double *const *ppSrcDst, int32_t columns, int32_t rows,
+                                            int32_t column1, int32_t column2, double c, double s);
+/** *pSum = sum of |pSrc[i]| over len values. */
+ORV_API OrvStatus orvsSumRowAbs_64f(const double *pSrc, int32_t len, double *pSum);
+/** pSrcDst[i] *= factor over len values, and *pSum = sum of the squares of what results. */
+ORV_API OrvStatus orvsSumRowSqr_64f(double *pSrcDst, int32_t len, double *pSum, double factor);
+/** pSrcDst[i] += factor pSrc[i] over len values. */
+ORV_API OrvStatus orvsAddMulRow_64f(const double *pSrc, double *pSrcDst, int32_t len, double factor);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif
