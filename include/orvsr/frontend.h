@@ -14,6 +14,359 @@ extern "C" {
 
 /* ---------------------------------------------------------------- filter banks and mel conversions */
 
+/**
+ * @defgroup fbank Filter banks
+ *
+ * A bank of n triangular filters over the bins 0 .. L/2 of a spectrum, L being a power of two. Band i, 1 to
+ * n, has a rising side on the bins c[i-1] .. c[i] and a falling side on the bins c[i] + 1 .. c[i+1]; the n +
+ * 2 bin numbers c[0] .. c[n+1] are the centres. A bank is built once, by
+ * - orvsMelFBankInit*: bands of equal width on the mel scale,
+ * - orvsMelFBankInit*Low_Aurora_*, orvsMelFBankInit*High_Aurora_*: two fixed banks for 8 kHz speech,
+ * - orvsMelLinFBankInitAlloc_*: linear up to a frequency and mel above it,
+ * - orvsEmptyFBankInitAlloc_*: centres and weights that the caller sets,
+ * and evaluated for every frame by orvsEvalFBank_*. Its centres and weights can be read and replaced at any
+ * time.
+ *
+ * The 32f bank holds single-precision weights. The 16s bank holds them as 32-bit integers in Q14: 1.0 is
+ * 16384. A bank is only given to functions of its own type.
+ *
+ * Birth and end. An InitAlloc function allocates the bank and stores its address in *ppFBank;
+ * orvsFBankFree_* releases it. An Init function builds it in a buffer of the size that the GetSize function
+ * of the same name reports; the caller releases that buffer, and the bank is never given to orvsFBankFree_*.
+ * The buffer may start anywhere: its address is the bank. A bank holds pointers into itself and is not
+ * copied or moved. Where an allocation fails, nothing stays allocated and *ppFBank is null; argument errors
+ * leave it as it was.
+ *
+ * Threads. A bank without an FFT is only read by evaluation and may be shared. A bank with an FFT is written
+ * by every evaluation, so each thread needs its own.
+ *
+ * Arguments of the constructors:
+ * - fftLen: 1 or more. L is the first power of two that is at least fftLen and at least 2.
+ * - pFFTOrder: receives log2 L, once all arguments have passed their checks.
+ * - sampleRate, lowFreq, highFreq: in Hz; 0 < lowFreq <= highFreq <= sampleRate / 2.
+ * - nFilter: n, 1 or more.
+ * - melMul, melDiv: M and D of mel(f) = M ln(1 + f / D), with the natural logarithm. Usual values are 1127
+ *   and 700; M cancels out of centres and weights. They are not tested; zeros or NaNs give meaningless
+ *   centres, but no function then reads or writes outside the bank and the arrays it was given.
+ * - flags: orvFBankMelWeights or orvFBankBinWeights, either with or without orvFBankFromSamples:
+ *   - orvFBankMelWeights: centres are truncated to bins, and bin k weighs (mel(f_k) - mel_{i-1}) / (mel_i -
+ *     mel_{i-1}) on the rising side, (mel_{i+1} - mel(f_k)) / (mel_{i+1} - mel_i) on the falling side, f_k =
+ *     k * sampleRate / L, mel_i being the unrounded centre. Bin c[i-1] weighs 0. Weights are not limited to
+ *     0 .. 1.
+ *   - orvFBankBinWeights: centres are rounded to the nearest bin (ties to even), and with d = c[i] - c[i-1]
+ *     and e = c[i+1] - c[i] bin c[i-1] + j weighs (j + 1) / (d + 1), j = 0 .. d, and bin c[i] + 1 + j weighs
+ *     (e - j) / (e + 1), j = 0 .. e - 1: no bin of the band weighs 0.
+ *   - orvFBankFromSamples: the bank owns an FFT and takes frames of L samples. If the FFT cannot be made,
+ *     the constructor succeeds all the same, and evaluation reports the status of the transform.
+ *
+ * Construction works in extended precision, rounded to single wherever a value is stored, with the natural
+ * logarithm and exponential in double. A NaN passes every check of a frequency.
+ *
+ * Source of the method: S. Davis and P. Mermelstein, Comparison of parametric representations for
+ * monosyllabic word recognition in continuously spoken sentences, IEEE Trans. ASSP 28(4), 1980; S. Young et
+ * al., The HTK Book, 2006, section 5.4. The fixed banks: ETSI ES 202 050, Advanced front-end feature
+ * extraction algorithm, 2007.
+ * @{
+ */
+
+/**
+ * Size in bytes of the buffer for orvsMelFBankInit_32f() with the same fftLen, nFilter and flags, into
+ * *pSize.
+ * orvStsNullPtrErr (pSize), orvStsSizeErr (fftLen or nFilter below 1), orvStsFBankFlagErr (flags),
+ * orvStsSizeErr (the size is beyond 32 bits), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSize_32f(int32_t fftLen, int32_t nFilter, int32_t flags, int32_t *pSize);
+/**
+ * Size in bytes of the buffer for orvsMelFBankInit_16s(); as orvsMelFBankGetSize_32f().
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsFBankFlagErr, orvStsSizeErr (the size), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSize_16s(int32_t fftLen, int32_t nFilter, int32_t flags, int32_t *pSize);
+
+/**
+ * Builds a mel bank in the caller's buffer pFBank: centre i at mel_i = mel(lowFreq) + i * (mel(highFreq) -
+ * mel(lowFreq)) / (nFilter + 1), i = 0 .. nFilter + 1.
+ * orvStsNullPtrErr (pFBank or pFFTOrder), orvStsSizeErr (fftLen, nFilter, sampleRate or lowFreq not above
+ * 0), orvStsFBankFreqErr (highFreq below lowFreq, or above half of sampleRate), orvStsFBankFlagErr (flags),
+ * orvStsSizeErr (a size that orvsMelFBankGetSize_32f() refuses; nothing written), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInit_32f(OrvsFBankState_32f *pFBank, int32_t *pFFTOrder, int32_t fftLen,
+                                       float sampleRate, float lowFreq, float highFreq, int32_t nFilter,
+                                       float melMul, float melDiv, int32_t flags);
+/**
+ * Builds a mel bank with Q14 weights in the caller's buffer; as orvsMelFBankInit_32f(). Mel weights are
+ * rounded to single, then truncated; bin weights are quotients of 32-bit integers, truncated.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsFBankFreqErr, orvStsFBankFlagErr, orvStsSizeErr (the size),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInit_16s(OrvsFBankState_16s *pFBank, int32_t *pFFTOrder, int32_t fftLen,
+                                       float sampleRate, float lowFreq, float highFreq, int32_t nFilter,
+                                       float melMul, float melDiv, int32_t flags);
+
+/**
+ * Allocates a mel bank, as orvsMelFBankInit_32f() builds it, into *ppFBank.
+ * orvStsNullPtrErr (ppFBank or pFFTOrder), orvStsSizeErr (fftLen, nFilter, sampleRate or lowFreq not above
+ * 0), orvStsFBankFreqErr (highFreq below lowFreq, or above half of sampleRate), orvStsFBankFlagErr (flags),
+ * orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitAlloc_32f(OrvsFBankState_32f **ppFBank, int32_t *pFFTOrder, int32_t fftLen,
+                                            float sampleRate, float lowFreq, float highFreq, int32_t nFilter,
+                                            float melMul, float melDiv, int32_t flags);
+/**
+ * Allocates a mel bank with Q14 weights, as orvsMelFBankInit_16s() builds it, into *ppFBank.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsFBankFreqErr, orvStsFBankFlagErr, orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitAlloc_16s(OrvsFBankState_16s **ppFBank, int32_t *pFFTOrder, int32_t fftLen,
+                                            float sampleRate, float lowFreq, float highFreq, int32_t nFilter,
+                                            float melMul, float melDiv, int32_t flags);
+
+/**
+ * Size in bytes of the buffer for orvsMelFBankInitLow_Aurora_32f(), into *pSize: 15768.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSizeLow_Aurora_32f(int32_t *pSize);
+/**
+ * Size in bytes of the buffer for orvsMelFBankInitLow_Aurora_16s(), into *pSize: 15776.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSizeLow_Aurora_16s(int32_t *pSize);
+/**
+ * Builds the fixed low bank in the caller's buffer: 25 bands over the 65 bins of a 128-point spectrum of 8
+ * kHz speech, from samples never. Centres 0, 0, 1, 2, 3, 4, 5, 7, 8, 10, 12, 14, 16, 18, 20, 23, 26, 29, 32,
+ * 36, 39, 44, 48, 53, 58, 64, 64. The weights of a band add up to 1; band 1 is bin 0 alone, band 25 ends at
+ * its peak at bin 64.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitLow_Aurora_32f(OrvsFBankState_32f *pFBank);
+/**
+ * Builds the fixed low bank with Q14 weights in the caller's buffer; as orvsMelFBankInitLow_Aurora_32f(),
+ * the weights being quotients of integers, truncated.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitLow_Aurora_16s(OrvsFBankState_16s *pFBank);
+/**
+ * Allocates the fixed low bank, as orvsMelFBankInitLow_Aurora_32f() builds it, into *ppFBank.
+ * orvStsNullPtrErr, orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitAllocLow_Aurora_32f(OrvsFBankState_32f **ppFBank);
+/**
+ * Allocates the fixed low bank with Q14 weights, as orvsMelFBankInitLow_Aurora_16s() builds it, into
+ * *ppFBank.
+ * orvStsNullPtrErr, orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitAllocLow_Aurora_16s(OrvsFBankState_16s **ppFBank);
+
+/**
+ * Size in bytes of the buffer for orvsMelFBankInitHigh_Aurora_32f(), into *pSize: 3184.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSizeHigh_Aurora_32f(int32_t *pSize);
+/**
+ * Size in bytes of the buffer for orvsMelFBankInitHigh_Aurora_16s(), into *pSize: 3192.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSizeHigh_Aurora_16s(int32_t *pSize);
+/**
+ * Builds the fixed high bank in the caller's buffer: 3 bands over the 65 bins of a 128-point spectrum,
+ * centres 1, 8, 19, 37, 64. The weights rise from 0 to 1 and fall to 0 in equal steps, and are not
+ * normalised.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitHigh_Aurora_32f(OrvsFBankState_32f *pFBank);
+/**
+ * Builds the fixed high bank with Q14 weights in the caller's buffer; as orvsMelFBankInitHigh_Aurora_32f(),
+ * the weights being quotients of integers, truncated.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitHigh_Aurora_16s(OrvsFBankState_16s *pFBank);
+/**
+ * Allocates the fixed high bank, as orvsMelFBankInitHigh_Aurora_32f() builds it, into *ppFBank.
+ * orvStsNullPtrErr, orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitAllocHigh_Aurora_32f(OrvsFBankState_32f **ppFBank);
+/**
+ * Allocates the fixed high bank with Q14 weights, as orvsMelFBankInitHigh_Aurora_16s() builds it, into
+ * *ppFBank.
+ * orvStsNullPtrErr, orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInitAllocHigh_Aurora_16s(OrvsFBankState_16s **ppFBank);
+
+/**
+ * Allocates a mixed bank into *ppFBank: centres 0 .. nLinear at equal steps of frequency from lowFreq to
+ * linHighFreq, centres nLinear .. nFilter + 1 at equal steps of the mel scale from linHighFreq to highFreq.
+ * With nLinear = nFilter all centres are linear, from lowFreq to linHighFreq.
+ *
+ * With orvFBankBinWeights every band has bin weights. With orvFBankMelWeights the bands 1 .. nLinear have
+ * weights on the mel scale, negative ones replaced by 0, and the bands behind them bin weights all the same.
+ * The falling side of band nLinear, where nLinear < nFilter, is measured from the bin number of its end
+ * rather than from a mel value, and is zero for any usual melMul.
+ *
+ * No pointer is tested: neither ppFBank nor pFFTOrder may be null.
+ * orvStsSizeErr (fftLen, nFilter, sampleRate, lowFreq or nLinear not above 0, or nLinear above nFilter),
+ * orvStsFBankFreqErr (linHighFreq below lowFreq, highFreq below linHighFreq or above half of sampleRate),
+ * orvStsFBankFlagErr (flags), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelLinFBankInitAlloc_32f(OrvsFBankState_32f **ppFBank, int32_t *pFFTOrder,
+                                               int32_t fftLen, float sampleRate, float lowFreq,
+                                               float highFreq, int32_t nFilter, float linHighFreq,
+                                               int32_t nLinear, float melMul, float melDiv, int32_t flags);
+/**
+ * Allocates a mixed bank with Q14 weights into *ppFBank; as orvsMelLinFBankInitAlloc_32f(), the weights
+ * truncated.
+ * orvStsSizeErr, orvStsFBankFreqErr, orvStsFBankFlagErr, orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelLinFBankInitAlloc_16s(OrvsFBankState_16s **ppFBank, int32_t *pFFTOrder,
+                                               int32_t fftLen, float sampleRate, float lowFreq,
+                                               float highFreq, int32_t nFilter, float linHighFreq,
+                                               int32_t nLinear, float melMul, float melDiv, int32_t flags);
+
+/**
+ * Allocates a bank of nFilter bands without centres, all weights 0, into *ppFBank. It takes a spectrum,
+ * whatever flags says (no value of which is refused or has an effect), and is not ready before
+ * orvsFBankSetCenters_32f() has succeeded; then orvsFBankSetCoeffs_32f() sets the weights.
+ *
+ * No pointer is tested: neither ppFBank nor pFFTOrder may be null.
+ * orvStsSizeErr (fftLen or nFilter not above 0), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEmptyFBankInitAlloc_32f(OrvsFBankState_32f **ppFBank, int32_t *pFFTOrder,
+                                              int32_t fftLen, int32_t nFilter, int32_t flags);
+/**
+ * Allocates a bank of nFilter bands without centres for Q14 weights; as orvsEmptyFBankInitAlloc_32f().
+ * orvStsSizeErr (fftLen or nFilter not above 0), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEmptyFBankInitAlloc_16s(OrvsFBankState_16s **ppFBank, int32_t *pFFTOrder,
+                                              int32_t fftLen, int32_t nFilter, int32_t flags);
+
+/**
+ * Releases a bank that an InitAlloc function allocated, and only such a one.
+ * orvStsNullPtrErr (pFBank), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankFree_32f(OrvsFBankState_32f *pFBank);
+/**
+ * Releases a 16s bank that an InitAlloc function allocated, and only such a one.
+ * orvStsNullPtrErr (pFBank), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankFree_16s(OrvsFBankState_16s *pFBank);
+
+/**
+ * Evaluates a bank:
+ *
+ *     pDst[i-1] = (sum over k = c[i-1] .. c[i] of w_ik x[k]) + (sum over k = c[i]+1 .. c[i+1] of w_ik x[k])
+ *
+ * i = 1 .. n. Both sums are formed in single precision in rising order of k, products rounded. pSrc is the
+ * spectrum x of L/2 + 1 values, or, for a bank built with orvFBankFromSamples, a frame of L samples (pad
+ * shorter ones with orvsCopyWithPadding_32f()), whose unscaled magnitude spectrum (not the power) is x. pDst
+ * receives n values. Centres behind bin L/2 are allowed by orvsFBankSetCenters_32f(); bins there are left
+ * out.
+ * orvStsNullPtrErr (pSrc, pDst or pFBank), orvStsFBankErr (the centres of an empty bank are not set), the
+ * status of the transform for a bank whose FFT could not be made (pDst not written), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalFBank_32f(const float *pSrc, float *pDst, OrvsFBankState_32f *pFBank);
+/**
+ * Evaluates a 16s bank: an exact 64-bit sum of weight times sample for each band, shifted right by s = 14 +
+ * scaleFactor bits without rounding (left by -s if s is negative; only the low six bits of the count
+ * matter), saturated to 16 bits. scaleFactor may have any value.
+ *
+ * For a bank built with orvFBankFromSamples, pSrc is a frame of L samples; its magnitude spectrum is rounded
+ * to 32-bit integers with six fractional bits, and s grows by 6. Only the low 32 bits of each product of
+ * weight and magnitude enter the sum: large spectra wrap, which orvsEvalFBank_16s32s_Sfs() does not.
+ * orvStsNullPtrErr (pSrc, pDst or pFBank), orvStsFBankErr (the centres of an empty bank are not set), the
+ * status of the transform (pDst not written; orvStsMemAllocErr among them), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalFBank_16s_Sfs(const int16_t *pSrc, int16_t *pDst, OrvsFBankState_16s *pFBank,
+                                        int32_t scaleFactor);
+/**
+ * Evaluates a 16s bank with 32-bit results; as orvsEvalFBank_16s_Sfs(), saturated to 32 bits, and with whole
+ * products in either kind of bank.
+ * orvStsNullPtrErr, orvStsFBankErr, the status of the transform, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalFBank_16s32s_Sfs(const int16_t *pSrc, int32_t *pDst, OrvsFBankState_16s *pFBank,
+                                           int32_t scaleFactor);
+
+/**
+ * Copies the n + 2 centres of a bank to pCenters.
+ * orvStsNullPtrErr (pCenters or pFBank), orvStsFBankErr (not ready, or the centres are not ones that
+ * orvsFBankSetCenters_32f() takes, as those of meaningless construction arguments), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankGetCenters_32f(const OrvsFBankState_32f *pFBank, int32_t *pCenters);
+/**
+ * Copies the n + 2 centres of a 16s bank to pCenters.
+ * orvStsNullPtrErr, orvStsFBankErr, orvStsNoErr, as orvsFBankGetCenters_32f().
+ */
+ORV_API OrvStatus orvsFBankGetCenters_16s(const OrvsFBankState_16s *pFBank, int32_t *pCenters);
+/**
+ * Replaces the n + 2 centres of a bank, which is ready from then on. The weights stay as they are.
+ * pCenters[0] must not be negative, pCenters[0] .. pCenters[n] must not fall (not tested for n = 1), and
+ * pCenters[n+1] must not exceed L/2; pCenters[n] and pCenters[n+1] are not compared.
+ * orvStsNullPtrErr (pCenters or pFBank), orvStsFBankErr (the centres; the bank stays as it was),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankSetCenters_32f(OrvsFBankState_32f *pFBank, const int32_t *pCenters);
+/**
+ * Replaces the n + 2 centres of a 16s bank; as orvsFBankSetCenters_32f().
+ * orvStsNullPtrErr, orvStsFBankErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankSetCenters_16s(OrvsFBankState_16s *pFBank, const int32_t *pCenters);
+
+/**
+ * Copies the weights of band index to pCoeffs: d + 1 of the rising side, d = c[index] - c[index-1] (none if
+ * d is negative), then e of the falling side, e = c[index+1] - c[index]. No side gives more than its row
+ * holds: L/2 + 1 and L/2 weights. index n + 1 is admitted, though orvsFBankSetCoeffs_32f() refuses it; what
+ * is copied there is defined only for the fixed low bank.
+ * orvStsNullPtrErr (pCoeffs or pFBank), orvStsFBankErr (not ready), orvStsSizeErr (index outside 1 .. n +
+ * 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankGetCoeffs_32f(const OrvsFBankState_32f *pFBank, int32_t index, float *pCoeffs);
+/**
+ * Copies the weights of band index of a 16s bank to pCoeffs, as single values w * 2^-14; layout as
+ * orvsFBankGetCoeffs_32f().
+ * orvStsNullPtrErr, orvStsFBankErr, orvStsSizeErr (index outside 1 .. n + 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankGetCoeffs_16s(const OrvsFBankState_16s *pFBank, int32_t index, float *pCoeffs);
+/**
+ * Replaces the weights of band index by those in pCoeffs, laid out as orvsFBankGetCoeffs_32f() writes them.
+ * orvStsNullPtrErr (pCoeffs or pFBank), orvStsFBankErr (not ready), orvStsSizeErr (index outside 1 .. n),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankSetCoeffs_32f(OrvsFBankState_32f *pFBank, int32_t index, const float *pCoeffs);
+/**
+ * Replaces the weights of band index of a 16s bank: each value times 16384, truncated to 32 bits. A product
+ * below -2^31 gives -2^31, and so does one of 2^31 or more, or a NaN.
+ * orvStsNullPtrErr, orvStsFBankErr, orvStsSizeErr (index outside 1 .. n), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFBankSetCoeffs_16s(OrvsFBankState_16s *pFBank, int32_t index, const float *pCoeffs);
+/** @} */
+
+/**
+ * Frequencies to mel values: pDst[i] = melMul * ln(1 + pSrc[i] / melDiv), i = 0 .. len - 1, with the natural
+ * logarithm and the reciprocal of melDiv formed once in double. pSrc and pDst (len values each) may be the
+ * same. A NaN in melMul or melDiv passes the checks.
+ * orvStsNullPtrErr (pSrc or pDst), orvStsSizeErr (len, melMul or melDiv not above 0), orvStsNoErr.
+ *
+ * Source of the method: S. Young et al., The HTK Book, 2006, section 5.4.
+ */
+ORV_API OrvStatus orvsLinearToMel_32f(const float *pSrc, float *pDst, int32_t len, float melMul,
+                                      float melDiv);
+/**
+ * Mel values to frequencies, the inverse of orvsLinearToMel_32f(): pDst[i] = melDiv * (exp(pSrc[i] / melMul)
+ * - 1), with the reciprocal of melMul formed once in double.
+ * orvStsNullPtrErr (pSrc or pDst), orvStsSizeErr (len, melMul or melDiv not above 0), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelToLinear_32f(const float *pSrc, float *pDst, int32_t len, float melMul,
+                                      float melDiv);
+
+/**
+ * Copies srcLen values from pSrc to pDst and fills pDst with zeros up to dstLen values. Elements are copied
+ * one after the other from the first, also where the arrays overlap.
+ * orvStsNullPtrErr (pSrc or pDst), orvStsSizeErr (srcLen below 1, dstLen below 1 or below srcLen),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCopyWithPadding_32f(const float *pSrc, int32_t srcLen, float *pDst, int32_t dstLen);
+/**
+ * Copies and pads 16-bit samples; as orvsCopyWithPadding_32f().
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCopyWithPadding_16s(const int16_t *pSrc, int32_t srcLen, int16_t *pDst, int32_t dstLen);
+
 /* ---------------------------------------------------------------- cosine transform and lifter */
 
 /**
