@@ -1,0 +1,37 @@
+// Which of a model's classes a recording belongs to.
+
+#ifndef ORV_HOSTS_COMMON_CLASSIFIER_H
+#define ORV_HOSTS_COMMON_CLASSIFIER_H
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "common/audio.h"
+#include "common/featurechain.h"
+#include "common/model.h"
+
+namespace orv {
+
+struct Decision {
+  std::size_t best = 0;          // index of the class
+  double score = 0;              // mean log-likelihood of a frame under it
+  std::optional<double> margin;  // to the next class; none if the model has one class only
+};
+
+class Classifier {
+ public:
+  explicit Classifier(const Model &model) : model_(model), chain_(model.chain()) {}
+
+  // Throws Error or UnusableRecording, also for a silent recording.
+  Decision decide(const Recording &recording);
+
+ private:
+  const Model &model_;
+  FeatureChain chain_;
+  Frames features_;
+};
+
+}  // namespace orv
+
+#endif

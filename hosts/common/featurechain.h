@@ -1,0 +1,90 @@
+// From samples to feature vectors: cepstra with their delta and acceleration values.
+
+#ifndef ORV_HOSTS_COMMON_FEATURECHAIN_H
+#define ORV_HOSTS_COMMON_FEATURECHAIN_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/audio.h"
+#include "common/frames.h"
+#include "orvsr/types.h"
+
+namespace orv {
+
+enum class Window { hamming, hann, rectangular };
+
+struct FeatureOptions {
+  double frameMs = 25;
+  double hopMs = 10;
+  Window window = Window::hamming;
+  double preEmphasis = 0.97;
+  std::int32_t bands = 24;
+  double lowHz = 64;
+  double highHz = 0;          // 0: half the sample rate
+  std::int32_t cepstra = 12;  // beside C0
+  std::int32_t lifter = 22;
+  bool meanNormalisation = true;
+};
+
+// Values v above the floor become log(v), the others log(floor); floor > 0. The error is below 2e-7 of the
+// larger of 1 and the result. A plain loop without branches or calls, so that the compiler can take four
+// values at a time.
+void logFloored(std::span<float> values, float floor);
+
+// Pre-emphasis y[n] = x[n] - a x[n - 1], window, mel bands of the magnitude spectrum, log, cosine transform
+// with lifter, delta and acceleration over two frames on either side, mean normalisation over the recording.
+// A row holds c1 .. cn and C0, then their delta, then their acceleration values.
+//
+// The chain reuses its buffers; a thread needs one of its own.
+class FeatureChain {
+ public:
+  // Throws Error if an option is out of range for the sample rate.
+  FeatureChain(const FeatureOptions &options, int sampleRate);
+  ~FeatureChain();
+  FeatureChain(FeatureChain &&) noexcept;
+  FeatureChain &operator=(FeatureChain &&) noexcept;
+
+  int sampleRate() const { return sampleRate_; }
+  std::int32_t width() const { return 3 * statics_; }
+  // Frames that lie wholly within so many samples.
+  std::size_t frames(std::size_t samples) const;
+  // The least number of samples that compute() takes.
+  std::size_t leastSamples() const;
+
+  // Replaces what `features` holds; samples.size() >= leastSamples().
+  void compute(std::span<const float> samples, Frames &features);
+
+  // As compute(), after making sure that the recording is long enough (UnusableRecording) and sampled at the
+  // chain's rate (Error).
+  void compute(const Recording &recording, Frames &features);
+
+ private:
+  struct BankRelease {
+    void operator()(OrvsFBankState_32f *bank) const;
+  };
+  struct LifterRelease {
+    void operator()(OrvsDCTLifterState_32f *lifter) const;
+  };
+
+  void windowFrame(std::span<const float> samples, std::size_t start);
+
+  int sampleRate_;
+  std::int32_t frameLen_, hop_, bands_, statics_;
+  bool meanNormalisation_;
+  float preEmphasis_;
+  std::unique_ptr<OrvsFBankState_32f, BankRelease> bank_;
+  std::unique_ptr<OrvsDCTLifterState_32f, LifterRelease> lifter_;
+  std::vector<float> window_;    // frameLen_ gains
+  std::vector<float> windowed_;  // one frame, padded with zeros to the length of the transform
+  std::vector<float> energies_;  // a block of frames, bands_ each
+  std::vector<float> cepstra_;   // a block of frames, statics_ each
+};
+
+}  // namespace orv
+
+#endif

@@ -1,0 +1,40 @@
+// Gaussian mixtures by expectation-maximisation.
+
+#ifndef ORV_HOSTS_COMMON_TRAINER_H
+#define ORV_HOSTS_COMMON_TRAINER_H
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "common/frames.h"
+#include "common/mixture.h"
+
+namespace orv {
+
+struct TrainingOptions {
+  std::int32_t components = 64;
+  std::int32_t passes = 12;     // at most so many for each size of the mixture
+  double leastGain = 0.001;     // a size is done when a pass gains less, in nats per frame
+  double varianceFloor = 0.01;  // share of the variance of all the training data
+};
+
+// Called after each pass with the size of the mixture, the number of the pass (from 1) and the mean
+// log-likelihood of a frame.
+using PassReport = std::function<void(std::int32_t components, std::int32_t pass, double logLikelihood)>;
+
+// Per column the variance over all rows of all blocks, times the share, and at least 1e-6.
+std::vector<double> varianceFloors(const std::vector<Frames> &blocks, double share);
+
+// Grows a mixture from one Gaussian to options.components by splitting the heaviest components, with passes
+// of expectation-maximisation at each size. The reported log-likelihoods never fall within a size. A mixture
+// is not grown beyond one component for every ten frames.
+//
+// The method: A. Dempster, N. Laird and D. Rubin, Maximum likelihood from incomplete data via the EM
+// algorithm, 1977; splitting as in S. Young et al., The HTK Book, 2006, section 10.6.
+Mixture trainMixture(const Frames &frames, const std::vector<double> &floors, const TrainingOptions &options,
+                     const PassReport &report);
+
+}  // namespace orv
+
+#endif

@@ -1,0 +1,48 @@
+#include "orv/options.h"
+
+#include <map>
+
+namespace orv {
+
+void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
+  static const std::map<std::string, Window> windows = {
+      {"hamming", Window::hamming}, {"hann", Window::hann}, {"rectangular", Window::rectangular}};
+  const std::string group = "Features";
+  command.add_option("--frame", options.frameMs, "Length of a frame in ms")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--hop", options.hopMs, "From frame to frame in ms")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--window", options.window, "hamming (default), hann or rectangular")
+      ->transform(CLI::Transformer(windows))
+      ->check(CLI::IsMember({0, 1, 2}))
+      ->option_text("NAME")
+      ->group(group);
+  command.add_option("--preemphasis", options.preEmphasis, "a of x[n] - a x[n-1]")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--bands", options.bands, "Mel bands")->capture_default_str()->group(group);
+  command.add_option("--low", options.lowHz, "Lower limit of the bands in Hz")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--high", options.highHz, "Upper limit of the bands in Hz; 0: half the sample rate")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--cepstra", options.cepstra, "Cepstral coefficients beside C0")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--lifter", options.lifter, "Parameter of the sinusoidal lifter")
+      ->capture_default_str()
+      ->group(group);
+  command
+      .add_flag("!--no-mean-normalisation", options.meanNormalisation,
+                "Keep the mean of each coefficient over the recording")
+      ->group(group);
+}
+
+void addSkipOption(CLI::App &command, bool &skip) {
+  command.add_flag("--skip-unusable", skip, "Leave out recordings that are empty, too short or silent");
+}
+
+}  // namespace orv

@@ -1,0 +1,17 @@
+// Options that several subcommands have.
+
+#ifndef ORV_HOSTS_ORV_OPTIONS_H
+#define ORV_HOSTS_ORV_OPTIONS_H
+
+#include <CLI/CLI.hpp>
+
+#include "common/featurechain.h"
+
+namespace orv {
+
+void addFeatureOptions(CLI::App &command, FeatureOptions &options);
+void addSkipOption(CLI::App &command, bool &skip);
+
+}  // namespace orv
+
+#endif
