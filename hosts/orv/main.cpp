@@ -36,6 +36,6 @@ int main(int argc, char **argv) {
   } catch (const std::exception &error) {
     return fail(error.what());
   }
-  if (std::fflush(stdout) != 0) return fail("standard output cannot be written");
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) return fail("standard output cannot be written");
   return 0;
 }

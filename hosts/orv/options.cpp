@@ -15,8 +15,7 @@ void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
       ->capture_default_str()
       ->group(group);
   command.add_option("--window", options.window, "hamming (default), hann or rectangular")
-      ->transform(CLI::Transformer(windows))
-      ->check(CLI::IsMember({0, 1, 2}))
+      ->transform(CLI::CheckedTransformer(windows))
       ->option_text("NAME")
       ->group(group);
   command.add_option("--preemphasis", options.preEmphasis, "a of x[n] - a x[n-1]")
