@@ -19,8 +19,22 @@ extern const double P1[22];
 extern const double P2[22];
 extern const double P3[22];
 
+// The same coefficients for two differences at once, each in its own segment: row i serves the pair of which
+// bits 0 and 1 of i tell whether the first and the second lie in the first segment, and bits 2 and 3 whether
+// they lie in the first or the second.
+template <int degree>
+struct SegmentPairs {
+  struct alignas(16) Row {
+    double ends[2];  // upper ends of the segments
+    double coefficients[degree + 1][2];
+  };
+  Row rows[16];
+};
+extern const SegmentPairs<10> pairs32f;
+extern const SegmentPairs<21> pairs64f;
+
 // Quadratics a, b, c over cells of equal width, for the fast path. Row 0 is never read.
-extern const float QIP1_F1[65][4];
+alignas(16) extern const float QIP1_F1[65][4];
 
 void GetLogAddConst(const double *&p1, const double *&p2, const double *&p3);
 void GetLogAddConst_F(const double *&p1, const double *&p2, const double *&p3);
@@ -33,6 +47,8 @@ struct LogDomain32f {
   static constexpr double firstEnd = -2.55;
   static constexpr double secondEnd = -6.8;
   static constexpr double zero = -4.5e6;
+
+  static const SegmentPairs<degree> &pairs() { return pairs32f; }
 
   const double *segments[3];
   LogDomain32f() {
@@ -58,6 +74,8 @@ struct LogDomain64f {
   static constexpr double firstEnd = -3.5;
   static constexpr double secondEnd = -9.0;
   static constexpr double zero = -1e10;
+
+  static const SegmentPairs<degree> &pairs() { return pairs64f; }
 
   const double *segments[3];
   LogDomain64f() {

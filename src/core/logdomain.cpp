@@ -1,6 +1,8 @@
 // orvsLogAdd_*, orvsLogSub_*, orvsLogSum_*.
 
+#include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -27,116 +29,135 @@ bool isKnownHint(std::int32_t hint) {
   return hint == orvAlgHintNone || hint == orvAlgHintFast || hint == orvAlgHintAccurate;
 }
 
-// Log-addition of two pairs in double precision, given the larger values and the differences. Each lane takes
-// its coefficients from its own segment.
-template <class Domain>
-inline f64x2 accurateSum2(const Domain &domain, f64x2 m, f64x2 d, f64x2 floored) {
-  const f64x2 dropped = d < splat2(Domain::dropBelow);
-  if (signs(dropped) == 3) return floored;
-  const int aboveFirst = signs(d > splat2(Domain::firstEnd));
-  const int aboveSecond = signs(d > splat2(Domain::secondEnd));
-  static constexpr double ends[3] = {0.0, Domain::firstEnd, Domain::secondEnd};
-  const int lane0 = 2 - (aboveFirst & 1) - (aboveSecond & 1);
-  const int lane1 = 2 - (aboveFirst >> 1) - (aboveSecond >> 1);
-  const double *c0 = domain.segments[lane0];
-  const double *c1 = domain.segments[lane1];
-  const f64x2 u = d - pack2(ends[lane0], ends[lane1]);
-  f64x2 h = pack2(c0[0], c1[0]);
-  for (int i = 1; i < Domain::degree; ++i) h = h * u + pack2(c0[i], c1[i]);
-  const f64x2 sum = (m + pack2(c0[Domain::degree], c1[Domain::degree])) + h * u;
-  return select(dropped, floored, sum);
+// (m + c0) + H u of several pairs, given their larger values and differences and the rows of their segments.
+// Side by side, since each pair's polynomial is one chain of dependent steps.
+template <int degree, std::size_t pairs>
+inline void accurateSums(const typename SegmentPairs<degree>::Row *const (&rows)[pairs],
+                         const f64x2 (&m)[pairs], const f64x2 (&d)[pairs], f64x2 (&sums)[pairs]) {
+  f64x2 u[pairs], h[pairs];
+  for (std::size_t p = 0; p < pairs; ++p) u[p] = d[p] - loadAligned2(rows[p]->ends);
+  for (std::size_t p = 0; p < pairs; ++p) h[p] = loadAligned2(rows[p]->coefficients[0]);
+  for (int i = 1; i < degree; ++i)
+    for (std::size_t p = 0; p < pairs; ++p) h[p] = h[p] * u[p] + loadAligned2(rows[p]->coefficients[i]);
+  for (std::size_t p = 0; p < pairs; ++p)
+    sums[p] = (m[p] + loadAligned2(rows[p]->coefficients[degree])) + h[p] * u[p];
 }
 
-inline f64x2 floored2(const LogDomain32f &, f64x2 m) {
-  // A NaN passes: max takes its second operand then.
-  return max(splat2(LogDomain32f::zero), m);
-}
-inline f64x2 floored2(const LogDomain64f &, f64x2 m) {
-  return select(m < splat2(-9e9), splat2(LogDomain64f::zero), m);
+// The greatest single value that is not above d: a single value is above the one just when it is above the
+// other.
+constexpr float singleBelow(double d) {
+  const auto nearest = static_cast<float>(d);
+  if (static_cast<double>(nearest) <= d) return nearest;
+  return std::bit_cast<float>(std::bit_cast<std::uint32_t>(nearest) + (d < 0.0 ? 1U : ~0U));
 }
 
-// The larger of the running value and the new one (the new one if they are equal or not comparable), and
-// minus the magnitude of their difference.
-template <class Lanes>
-struct LargerAndDifference {
-  Lanes m, d;
-  LargerAndDifference(Lanes x, Lanes y, Lanes signBits) : m(max(y, x)), d((y - x) | signBits) {}
-};
+// In the steps below x is the new value and y the running one, which becomes the sum. max(y, x) is the new
+// one if they are equal or not comparable; the difference has its sign set, so that it is never positive.
 
 struct Accurate32f {
-  using Lanes = f32x4;
-  LogDomain32f domain;
+  static constexpr int lanes = 8;
 
-  f32x4 operator()(f32x4 x, f32x4 y) const {
-    const LargerAndDifference<f32x4> pair(x, y, signBits4());
-    const f64x2 mLow = widenLow(pair.m);
-    const f64x2 mHigh = widenHigh(pair.m);
-    return narrow(accurateSum2(domain, mLow, widenLow(pair.d), floored2(domain, mLow)),
-                  accurateSum2(domain, mHigh, widenHigh(pair.d), floored2(domain, mHigh)));
+  void operator()(const float *x, float *y) const {
+    using Domain = LogDomain32f;
+    f32x4 floored[2], kept[2];
+    f64x2 m[4], d[4], sums[4];
+    const SegmentPairs<Domain::degree>::Row *rows[4];
+    for (int i = 0; i < 2; ++i) {
+      const f32x4 running = load4(y + 4 * i);
+      const f32x4 added = load4(x + 4 * i);
+      const f32x4 larger = max(running, added);
+      const f32x4 difference = (running - added) | signBits4();
+      floored[i] = max(splat4(static_cast<float>(Domain::zero)), larger);
+      kept[i] = notLess(difference, splat4(-singleBelow(-Domain::dropBelow)));
+      const auto inFirst = static_cast<unsigned>(signs(difference > splat4(singleBelow(Domain::firstEnd))));
+      const auto inSecond = static_cast<unsigned>(signs(difference > splat4(singleBelow(Domain::secondEnd))));
+      rows[2 * i] = &Domain::pairs().rows[(inFirst & 3U) | (inSecond & 3U) << 2U];
+      rows[2 * i + 1] = &Domain::pairs().rows[inFirst >> 2U | (inSecond & 12U)];
+      m[2 * i] = widenLow(larger);
+      m[2 * i + 1] = widenHigh(larger);
+      d[2 * i] = widenLow(difference);
+      d[2 * i + 1] = widenHigh(difference);
+    }
+    if (signs(kept[0] | kept[1]) != 0) {
+      accurateSums<Domain::degree>(rows, m, d, sums);
+      for (int i = 0; i < 2; ++i)
+        floored[i] = select(kept[i], narrow(sums[2 * i], sums[2 * i + 1]), floored[i]);
+    }
+    for (int i = 0; i < 2; ++i) store4(y + 4 * i, floored[i]);
   }
 };
 
 struct Accurate64f {
-  using Lanes = f64x2;
-  LogDomain64f domain;
+  static constexpr int lanes = 12;
 
-  f64x2 operator()(f64x2 x, f64x2 y) const {
-    const LargerAndDifference<f64x2> pair(x, y, splat2(-0.0));
-    return accurateSum2(domain, pair.m, pair.d, floored2(domain, pair.m));
+  void operator()(const double *x, double *y) const {
+    using Domain = LogDomain64f;
+    constexpr int pairs = lanes / 2;
+    f64x2 m[pairs], d[pairs], sums[pairs];
+    const SegmentPairs<Domain::degree>::Row *rows[pairs];
+    int kept = 0;
+    for (int p = 0; p < pairs; ++p) {
+      const f64x2 running = load2(y + 2 * p);
+      const f64x2 added = load2(x + 2 * p);
+      m[p] = max(running, added);
+      d[p] = (running - added) | splat2(-0.0);
+      const auto inFirst = static_cast<unsigned>(signs(d[p] > splat2(Domain::firstEnd)));
+      const auto inSecond = static_cast<unsigned>(signs(d[p] > splat2(Domain::secondEnd)));
+      rows[p] = &Domain::pairs().rows[inFirst | inSecond << 2U];
+      kept |= signs(notLess(d[p], splat2(Domain::dropBelow)));
+    }
+    if (kept != 0) accurateSums<Domain::degree>(rows, m, d, sums);
+    for (int p = 0; p < pairs; ++p) {
+      const f64x2 floored = select(m[p] < splat2(-9e9), splat2(Domain::zero), m[p]);
+      store2(y + 2 * p, kept == 0 ? floored : select(d[p] < splat2(Domain::dropBelow), floored, sums[p]));
+    }
   }
 };
 
 struct Fast32f {
-  using Lanes = f32x4;
+  static constexpr int lanes = 4;
 
-  f32x4 operator()(f32x4 x, f32x4 y) const {
-    const LargerAndDifference<f32x4> pair(x, y, signBits4());
+  void operator()(const float *x, float *y) const {
+    const f32x4 running = load4(y);
+    const f32x4 added = load4(x);
+    const f32x4 m = max(running, added);
+    const f32x4 distance = andNot(signBits4(), running - added);  // minus the difference
+    const f32x4 floored = max(splat4(static_cast<float>(LogDomain32f::zero)), m);
+    const f32x4 dropped = distance >= splat4(15.319588F);
+    if (signs(dropped) == 15) {
+      store4(y, floored);
+      return;
+    }
+    // Lanes that are dropped, or not comparable, look into the first cell. The former are replaced below, the
+    // latter become NaN by their place in the cell.
     const f32x4 perCell = splat4(4.177658F);
-    const f32x4 kept = pair.d > splat4(-15.319588F);
-    const f32x4 floored = max(splat4(static_cast<float>(LogDomain32f::zero)), pair.m);
-    if (signs(kept) == 0) return select(pair.d == pair.d, floored, pair.d);
-    // Lanes that are dropped, or not comparable, look into the first cell and are replaced below.
-    const f32x4 d = pair.d & kept;
-    const __m128i cell = _mm_cvttps_epi32((splat4(0.0F) - d * perCell).v);
-    const __m128i row = _mm_add_epi32(cell, _mm_set1_epi32(1));
-    std::int32_t rows[4];
-    std::memcpy(rows, &row, sizeof rows);
-    f32x4 a = load4(QIP1_F1[rows[0]]);
-    f32x4 b = load4(QIP1_F1[rows[1]]);
-    f32x4 c = load4(QIP1_F1[rows[2]]);
-    f32x4 unused = load4(QIP1_F1[rows[3]]);
-    _MM_TRANSPOSE4_PS(a.v, b.v, c.v, unused.v);
-    const f32x4 node = f32x4{_mm_cvtepi32_ps(_mm_add_epi32(row, row))} * splat4(-0.11968428F);
-    const f32x4 t = (d - node) * perCell;
+    const i32x4 cell = truncate((distance & (distance < splat4(15.319588F))) * perCell);
+    f32x4 cells[4];
+    loadRows4(QIP1_F1 + 1, cell, cells);
+    transpose(cells);
+    const auto &[a, b, c, unused] = cells;
+    const f32x4 nodes = toSingle((cell + cell) + i32x4{_mm_set1_epi32(2)}) * splat4(0.11968428F);
+    const f32x4 t = (nodes - distance) * perCell;
     const f32x4 v = t * (b + c * (t - splat4(1.0F)));
-    const f32x4 sum = narrow((widenLow(pair.m) + widenLow(a)) + widenLow(v),
-                             (widenHigh(pair.m) + widenHigh(a)) + widenHigh(v));
-    const f32x4 settled = select(kept, sum, floored);
-    return select(pair.d == pair.d, settled, pair.d);
+    const f32x4 sum =
+        narrow((widenLow(m) + widenLow(a)) + widenLow(v), (widenHigh(m) + widenHigh(a)) + widenHigh(v));
+    store4(y, select(dropped, floored, sum));
   }
 };
 
-// The last lanes go through padded copies, so that every element takes the same steps.
+// The last elements go through padded copies, so that every element takes the same steps.
 template <class Step, class T>
 void addArrays(const Step &step, const T *src, T *srcDst, std::int32_t len) {
-  using Lanes = typename Step::Lanes;
-  constexpr int lanes = Lanes::lanes;
-  const auto addLanes = [&step](const T *x, T *y) {
-    Lanes a, b;
-    std::memcpy(&a, x, sizeof a);
-    std::memcpy(&b, y, sizeof b);
-    const Lanes sum = step(a, b);
-    std::memcpy(y, &sum, sizeof sum);
-  };
+  constexpr int lanes = Step::lanes;
   std::int32_t i = 0;
-  for (; len - i >= lanes; i += lanes) addLanes(src + i, srcDst + i);
+  for (; len - i >= lanes; i += lanes) step(src + i, srcDst + i);
   if (i < len) {
     const auto bytes = static_cast<std::size_t>(len - i) * sizeof(T);
     T x[lanes] = {};
     T y[lanes] = {};
     std::memcpy(x, src + i, bytes);
     std::memcpy(y, srcDst + i, bytes);
-    addLanes(x, y);
+    step(x, y);
     std::memcpy(srcDst + i, y, bytes);
   }
 }

@@ -46,6 +46,8 @@ inline f32x4 min(f32x4 a, f32x4 b) { return {_mm_min_ps(a.v, b.v)}; }
 inline f32x4 operator<(f32x4 a, f32x4 b) { return {_mm_cmplt_ps(a.v, b.v)}; }
 inline f32x4 operator>(f32x4 a, f32x4 b) { return {_mm_cmpgt_ps(a.v, b.v)}; }
 inline f32x4 operator<=(f32x4 a, f32x4 b) { return {_mm_cmple_ps(a.v, b.v)}; }
+inline f32x4 operator>=(f32x4 a, f32x4 b) { return {_mm_cmpge_ps(a.v, b.v)}; }
+inline f32x4 notLess(f32x4 a, f32x4 b) { return {_mm_cmpnlt_ps(a.v, b.v)}; }  // also where either is a NaN
 inline f32x4 operator==(f32x4 a, f32x4 b) { return {_mm_cmpeq_ps(a.v, b.v)}; }
 inline f32x4 operator&(f32x4 a, f32x4 b) { return {_mm_and_ps(a.v, b.v)}; }
 inline f32x4 operator|(f32x4 a, f32x4 b) { return {_mm_or_ps(a.v, b.v)}; }
@@ -64,6 +66,7 @@ inline float firstOf(f32x4 a) { return _mm_cvtss_f32(a.v); }
 // --- two double lanes
 
 inline f64x2 load2(const double *p) { return {_mm_loadu_pd(p)}; }
+inline f64x2 loadAligned2(const double *p) { return {_mm_load_pd(p)}; }  // from a 16-byte boundary
 inline void store2(double *p, f64x2 a) { _mm_storeu_pd(p, a.v); }
 inline f64x2 splat2(double a) { return {_mm_set1_pd(a)}; }
 inline f64x2 firstLane2(double a) { return {_mm_set_sd(a)}; }
@@ -76,6 +79,7 @@ inline f64x2 max(f64x2 a, f64x2 b) { return {_mm_max_pd(a.v, b.v)}; }
 inline f64x2 min(f64x2 a, f64x2 b) { return {_mm_min_pd(a.v, b.v)}; }
 inline f64x2 operator<(f64x2 a, f64x2 b) { return {_mm_cmplt_pd(a.v, b.v)}; }
 inline f64x2 operator>(f64x2 a, f64x2 b) { return {_mm_cmpgt_pd(a.v, b.v)}; }
+inline f64x2 notLess(f64x2 a, f64x2 b) { return {_mm_cmpnlt_pd(a.v, b.v)}; }
 inline f64x2 operator==(f64x2 a, f64x2 b) { return {_mm_cmpeq_pd(a.v, b.v)}; }
 inline f64x2 operator&(f64x2 a, f64x2 b) { return {_mm_and_pd(a.v, b.v)}; }
 inline f64x2 operator|(f64x2 a, f64x2 b) { return {_mm_or_pd(a.v, b.v)}; }
@@ -202,6 +206,17 @@ inline f32x4 interleaveHigh(f32x4 a, f32x4 b) { return {_mm_unpackhi_ps(a.v, b.v
 // b0 a1 a2 a3
 inline f32x4 withFirstOf(f32x4 a, f32x4 b) { return {_mm_move_ss(a.v, b.v)}; }
 inline void transpose(f32x4 &a, f32x4 &b, f32x4 &c, f32x4 &d) { _MM_TRANSPOSE4_PS(a.v, b.v, c.v, d.v); }
+
+// Four rows of four, from a table on a 16-byte boundary. Indices are not negative.
+inline void loadRows4(const float (*table)[4], i32x4 indices, f32x4 (&rows)[4]) {
+  const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(indices.v));
+  const auto high =
+      static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_shuffle_epi32(indices.v, _MM_SHUFFLE(3, 2, 3, 2))));
+  rows[0] = loadAligned4(table[static_cast<std::uint32_t>(low)]);
+  rows[1] = loadAligned4(table[low >> 32]);
+  rows[2] = loadAligned4(table[static_cast<std::uint32_t>(high)]);
+  rows[3] = loadAligned4(table[high >> 32]);
+}
 
 // --- the same element of four rows
 

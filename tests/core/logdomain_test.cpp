@@ -169,7 +169,7 @@ TYPED_TEST(LogReal, AdditionAtEveryLengthAndPlace) {
   using T = TypeParam;
   Random random(5);
   for (std::size_t offset = 0; offset < 16; ++offset)
-    for (std::size_t len = 1; len < 24; ++len)
+    for (std::size_t len = 1; len < 27; ++len)
       for (const int hint : {0, 1}) {
         const Guarded<T> x(uniform<T>(random, len, -30, 0), offset);
         const auto old = uniform<T>(random, len, -30, 0);

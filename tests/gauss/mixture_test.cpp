@@ -185,6 +185,9 @@ void checkGroups() {
             mixture.check(nMix, len, offset, 12, spread);
             if (::testing::Test::HasFatalFailure()) return;
           }
+    // Many components, with most of them dropped, and with scores below log-zero.
+    for (std::size_t nMix = 60; nMix < 136; ++nMix)
+      for (const double spread : {2., 30., 300., 2e7}) mixture.check(nMix, 5, nMix % 4, 12, spread);
   }
 }
 
