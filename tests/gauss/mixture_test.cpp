@@ -230,6 +230,9 @@ TEST(Mixture, DropsWeakComponentsAndOnlyThenRaisesToTheFloor) {
   EXPECT_EQ(of({-1e7F, -1e7F}), -1e7F + 1);  // log 2, in steps of 1
   EXPECT_EQ(of({-1e7F, -2e7F}), -4.5e6F);
   EXPECT_EQ(of({-1e7F, -2e7F, -4.5e6F}), -4.5e6F + 0.5F);
+  EXPECT_EQ(of({-1e7F, -2e7F, -2e7F, -3e7F, -2e7F}), -4.5e6F);
+  EXPECT_GT(of({3e-7F, -20, -20, -20, -15.3F}), 4e-7F);
+  EXPECT_TRUE(std::isnan(of({0, -20, static_cast<float>(NAN), -20, -20})));
   EXPECT_EQ(of({3, -12.4F}), 3);
   EXPECT_EQ(of({-12.4F, 3}), 3);
   EXPECT_GT(of({3e-7F, -15.3F}), 4e-7F);
@@ -246,6 +249,7 @@ TEST(Mixture, DropsAndRaisesInDoublePrecision) {
   };
   EXPECT_EQ(of({-2e10}), -2e10);
   EXPECT_EQ(of({-2e10, -3e10}), -1e10);
+  EXPECT_EQ(of({-2e10, -3e10, -3e10, -3e10, -4e10}), -1e10);
   EXPECT_EQ(of({-9e9, -3e10}), -9e9);
   EXPECT_EQ(of({-9.1e9, -3e10}), -1e10);
   EXPECT_EQ(of({-2e10, -2e10}), -2e10 + 0.693147180559947);
