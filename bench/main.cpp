@@ -9,6 +9,7 @@
 namespace orv::bench {
 void addCoreCases();
 void addGaussCases();
+void addPrimitiveCases();
 }  // namespace orv::bench
 
 int main(int argc, char **argv) {
@@ -25,6 +26,7 @@ int main(int argc, char **argv) {
 
   orv::bench::addCoreCases();
   orv::bench::addGaussCases();
+  orv::bench::addPrimitiveCases();
   orv::bench::RatioTable table;
   benchmark::RunSpecifiedBenchmarks(&table);
   return 0;
