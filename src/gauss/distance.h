@@ -99,6 +99,17 @@ inline typename Form::Sum sumRow(const Row<T> &row, std::int32_t len, std::int32
 // Which elements of a row are folded outside its vectors: fewer than a vector before them, or after them.
 enum class Part { head, rest };
 
+// The terms of the vectors at element j of four rows, taken side by side: their steps wait for one another
+// less.
+template <class Form, Weighting weighting, class T>
+[[gnu::always_inline]] inline void termsOfRows(const FourRows<T> &rows, std::ptrdiff_t j,
+                                               typename Form::Lanes (&t)[4]) {
+  for (int r = 0; r < 4; ++r) t[r] = Form::differences(rows.a[r] + j, rows.b[r] + j);
+  for (int r = 0; r < 4; ++r) t[r] = t[r] * t[r];
+  if constexpr (weighting != Weighting::none)
+    for (int r = 0; r < 4; ++r) t[r] = t[r] * Form::weights(rows.w[r] + j);
+}
+
 // Folds count terms of each row into the sums, one by one: the first of the row, or its last. They are taken
 // out of a whole vector of terms, which lies within the row.
 template <class Form, Weighting weighting, class Fold, Part part, class T>
@@ -106,10 +117,10 @@ template <class Form, Weighting weighting, class Fold, Part part, class T>
                                                            int count, typename Form::Four sums) {
   constexpr int lanes = Form::Lanes::lanes;
   const std::ptrdiff_t j = part == Part::head ? 0 : len - lanes;
-  typename Form::Lanes folded[4];
-  for (int r = 0; r < 4; ++r) folded[r] = terms<Form, weighting>(rows.a[r] + j, rows.b[r] + j, rows.w[r] + j);
+  typename Form::Lanes t[4];
+  termsOfRows<Form, weighting>(rows, j, t);
   typename Form::Four columns[lanes];
-  Form::transpose(folded, columns);
+  Form::transpose(t, columns);
   for (int c = 1; c < lanes; ++c) {
     if (part == Part::head && c <= count) sums = Fold::fold(sums, columns[c - 1]);
     if (part == Part::rest && c >= lanes - count) sums = Fold::fold(sums, columns[c]);
@@ -124,10 +135,7 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
   for (std::ptrdiff_t j = from; j < to; j += Form::Lanes::lanes)
     for (std::size_t g = 0; g < groups; ++g) {
       typename Form::Lanes t[4];
-      for (int r = 0; r < 4; ++r) t[r] = Form::differences(rows[g].a[r] + j, rows[g].b[r] + j);
-      for (int r = 0; r < 4; ++r) t[r] = t[r] * t[r];
-      if (weighting != Weighting::none)
-        for (int r = 0; r < 4; ++r) t[r] = t[r] * Form::weights(rows[g].w[r] + j);
+      termsOfRows<Form, weighting>(rows[g], j, t);
       for (int r = 0; r < 4; ++r) acc[g][r] = Fold::fold(acc[g][r], t[r]);
     }
 }
