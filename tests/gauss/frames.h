@@ -179,7 +179,7 @@ void sweepFrames(const std::vector<FrameMember<T, R>> &members, const FrameFamil
   for (const auto &member : members) {
     SCOPED_TRACE(member.name);
     for (std::size_t len = 1; len <= 40; ++len)
-      for (const std::size_t rows : {1U, 2U, 3U, 4U, 5U, 8U})
+      for (const std::size_t rows : {1U, 2U, 3U, 4U, 5U, 8U, 13U})
         for (std::size_t offset = (len + rows) % 2; offset < 16; offset += 2)
           for (const Data data : {Data::random, Data::whole}) {
             checkFrames(member, family, random, rows, len, offset, data,
