@@ -180,7 +180,7 @@ void sweepFrames(const std::vector<FrameMember<T, R>> &members, const FrameFamil
     SCOPED_TRACE(member.name);
     for (std::size_t len = 1; len <= 40; ++len)
       for (const std::size_t rows : {1U, 2U, 3U, 4U, 5U, 8U, 13U})
-        for (std::size_t offset = (len + rows) % 2; offset < 16; offset += 2)
+        for (std::size_t offset = (len / 2 + rows) % 2; offset < 16; offset += 2)
           for (const Data data : {Data::random, Data::whole}) {
             checkFrames(member, family, random, rows, len, offset, data,
                         static_cast<std::int32_t>(random() % 48) - 8);
