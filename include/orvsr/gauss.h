@@ -1061,7 +1061,7 @@ ORV_API OrvStatus orvsMahDistMultiMix_64f_D2L(const double *const *ppMean, const
  * - featLen: values in a vector, 1 or more.
  * - pGConst: nMix additive constants, each the log of the component's weight less half of the constant that
  *   orvsUpdateGConst_32f() computes; orvsOutProbPreCalc_32f() forms them.
- * - pResult: one value, written after every component and never read.
+ * - pResult: one value, written; it is never read, and overlaps no argument.
  * - scaleFactor: of the 16s forms, any value.
  *
  * A component's sum is formed as in @ref loggauss, in groups of four components; the deciding pointer is the

@@ -108,10 +108,11 @@ class Mixture {
     started_ = true;
     Sum running = running_;
     while (i < count_) {
-      // Most scores lie so far below the running value that they are dropped, and leave the floor at most.
+      // Most scores lie so far below the running value that they are dropped and leave it as it is, unless
+      // the floor takes its place: that one may lie lower, and keep a score that would have been dropped.
       if (count_ - i >= 4 &&
-          allGreater(Form::splat(running) - Form::loadFour(waiting_ + i), Form::splat(dropAbove))) {
-        running = Domain::floored(running);
+          allGreater(Form::splat(running) - Form::loadFour(waiting_ + i), Form::splat(dropAbove)) &&
+          Domain::floored(running) == running) {
         i += 4;
       } else {
         running = logAddStep<Grouping::constantLast>(domain_, running, waiting_[i++]);

@@ -147,10 +147,12 @@ void checkFrames(const FrameMember<T, R> &member, const FrameFamily<T, R> &famil
   const std::vector<T> var = member.weighted ? draw<T>(random, len, data, 0) : std::vector<T>{};
   const R gconst = draw<R>(random, 1, data)[0] * static_cast<R>(random() % 2);
 
-  const auto step = static_cast<std::int32_t>(len + random() % 4);
-  const Matrix<T> matrix(member.layout, frames, step, offset);
-  const Guarded<T> means(mean, (11 * offset + 3 * len) % 16);
-  const Guarded<T> vars(var, (7 * offset + len) % 16);
+  // All rows and vectors at the same distance from a 16-byte boundary, or each at one of its own.
+  const bool together = random() % 2 == 0;
+  const auto step = static_cast<std::int32_t>(together ? (len + 7) / 8 * 8 : len + random() % 4);
+  const Matrix<T> matrix(member.layout, frames, step, offset, together ? 0 : 5);
+  const Guarded<T> means(mean, together ? offset : (11 * offset + 3 * len) % 16);
+  const Guarded<T> vars(var, together ? offset : (7 * offset + len) % 16);
   Guarded<R> results(rows, (3 * offset + 1) % 16);
   std::vector<FrameCase<T, R>> cases;
   for (std::size_t r = 0; r < rows; ++r) {

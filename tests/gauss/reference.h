@@ -22,7 +22,8 @@ enum class Layout { strided, pointers };
 template <class T>
 class Matrix {
  public:
-  Matrix(Layout layout, const std::vector<std::vector<T>> &rows, std::int32_t step, std::size_t offset) {
+  Matrix(Layout layout, const std::vector<std::vector<T>> &rows, std::int32_t step, std::size_t offset,
+         std::size_t apart = 5) {
     if (layout == Layout::strided) {
       const auto stride = static_cast<std::size_t>(step);
       std::vector<T> all((rows.size() - 1) * stride + rows[0].size(), poison());
@@ -32,7 +33,7 @@ class Matrix {
       for (std::size_t r = 0; r < rows.size(); ++r) pointers_.push_back(arrays_[0]->data() + r * stride);
     } else {
       for (std::size_t r = 0; r < rows.size(); ++r) {
-        arrays_.push_back(std::make_unique<Guarded<T>>(rows[r], (offset + 5 * r) % 16));
+        arrays_.push_back(std::make_unique<Guarded<T>>(rows[r], (offset + apart * r) % 16));
         pointers_.push_back(arrays_[r]->data());
       }
     }
@@ -47,6 +48,16 @@ class Matrix {
   }
   std::vector<std::unique_ptr<Guarded<T>>> arrays_;
   std::vector<const T *> pointers_;
+};
+
+// What the argument types of a member say of it.
+template <class F>
+struct Signature;
+template <class... Arguments>
+struct Signature<OrvStatus (*)(Arguments...)> {
+  static constexpr int pointers = (0 + ... + int{std::is_pointer_v<Arguments>});
+  static constexpr bool strided = !(... || std::is_pointer_v<std::remove_pointer_t<Arguments>>);
+  static constexpr Layout layout = strided ? Layout::strided : Layout::pointers;
 };
 
 // How many elements are taken one by one before p stands on a 16-byte boundary.
