@@ -9,6 +9,31 @@
 namespace orv::test {
 namespace {
 
+// A bank without a transform of its own. One that takes samples is written by every call, and is not shared.
+TEST(Threads, EvaluateOneFilterBank) {
+  Random random(6);
+  const auto spectrum = uniform<float>(random, 129, 0, 100);
+  std::vector<std::int16_t> rounded(spectrum.begin(), spectrum.end());
+  std::int32_t order = 0;
+  OrvsFBankState_32f *bank = nullptr;
+  OrvsFBankState_16s *integers = nullptr;
+  ASSERT_EQ(orvsMelFBankInitAlloc_32f(&bank, &order, 256, 8000, 64, 4000, 23, 1127, 700, orvFBankMelWeights),
+            0);
+  ASSERT_EQ(
+      orvsMelFBankInitAlloc_16s(&integers, &order, 256, 8000, 64, 4000, 23, 1127, 700, orvFBankMelWeights),
+      0);
+  expectSameInTwoThreads([&] {
+    std::vector<float> bands(23);
+    std::vector<std::int16_t> integerBands(23);
+    EXPECT_EQ(orvsEvalFBank_32f(spectrum.data(), bands.data(), bank), 0);
+    EXPECT_EQ(orvsEvalFBank_16s_Sfs(rounded.data(), integerBands.data(), integers, 0), 0);
+    bands.insert(bands.end(), integerBands.begin(), integerBands.end());
+    return bands;
+  });
+  orvsFBankFree_32f(bank);
+  orvsFBankFree_16s(integers);
+}
+
 TEST(Threads, TransformWithOneLifter) {
   Random random(4);
   const auto energies = uniform<float>(random, 23, -5, 15);
