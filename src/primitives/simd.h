@@ -33,6 +33,9 @@ struct f64x2 {
 inline f32x4 load4(const float *p) { return {_mm_loadu_ps(p)}; }
 inline f32x4 loadAligned4(const float *p) { return {_mm_load_ps(p)}; }  // from a 16-byte boundary
 inline void store4(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
+// From a 16-byte boundary: an operand of arithmetic by itself, where load4() is an instruction of its own.
+inline f32x4 loadAligned4(const float *p) { return {_mm_load_ps(p)}; }
+inline void storeAligned4(float *p, f32x4 a) { _mm_store_ps(p, a.v); }
 inline f32x4 splat4(float a) { return {_mm_set1_ps(a)}; }
 inline f32x4 firstLane4(float a) { return {_mm_set_ss(a)}; }
 inline f32x4 operator+(f32x4 a, f32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
@@ -192,6 +195,10 @@ inline f64x4 operator*(f64x4 a, f64x4 b) { return {a.low * b.low, a.high * b.hig
 inline f64x4 operator*(f64x4 a, double b) { return {a.low * splat2(b), a.high * splat2(b)}; }
 inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
+
+// Whatever was stored before is loaded again after this, instead of being kept in a register that some other value
+// would have to leave.
+inline void forgetRegisters() { asm volatile("" : : : "memory"); }
 
 // --- lanes that change places
 

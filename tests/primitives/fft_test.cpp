@@ -263,7 +263,7 @@ TEST(Fft, FitsItsSizesAtEveryStart) {
       EXPECT_EQ(bins, firstWhole);
     }
     // The same from the heap, whatever alignment it has.
-    for (const std::size_t alignment : {16, 32, 64}) {
+    for (const std::size_t alignment : {16U, 32U, 64U}) {
       Allocations allocations;
       allocations.alignTo(alignment);
       OrvRealFftState32f *fft = nullptr;

@@ -13,6 +13,11 @@ namespace orv::fft {
 //   ccs   R0 0 R1 I1 R2 I2 ... Rn 0
 enum class Layout { perm, pack, ccs };
 
+// Bins 0 and N/2, which are real.
+struct Ends {
+  float zero, last;
+};
+
 // src and dst may be the same array. `work` has the bytes that the object names, at any address.
 void forward(const OrvRealFftState32f &spec, const float *src, float *dst, Layout layout, std::uint8_t *work);
 void inverse(const OrvRealFftState32f &spec, const float *packed, float *dst, std::uint8_t *work);

@@ -15,12 +15,9 @@ inline void butterfly4(float *p, std::size_t step, const float *w) {
 
 template <bool rotated>
 inline void butterfly8(float *p, std::size_t step, const float *w) {
-  const Eight e = dft8([&](std::size_t j) { return loadLanes(p + j * step); });
-  storeLanes(p, e.even.y[0]);
-  for (int k = 1; k < 8; ++k) {
-    const Complex4 y = k % 2 == 0 ? e.even.y[k / 2] : e.odd.y[k / 2];
-    storeLanes(p + static_cast<std::size_t>(k) * step, rotated ? y * loadLanes(w + (k - 1) * 8) : y);
-  }
+  dft8(p, step, [&](std::size_t k, Complex4 y) {
+    storeLanes(p + k * step, rotated && k > 0 ? y * loadLanes(w + (k - 1) * kLaneFloats) : y);
+  });
 }
 
 template <int radix, bool rotated>
@@ -43,11 +40,6 @@ void rotatedPass(float *data, const float *end, std::size_t apart, const float *
   }
 }
 
-template <int radix>
-void lastPass(float *data, const float *end) {
-  for (; data != end; data += radix * kLaneFloats) butterfly<radix, false>(data, kLaneFloats, nullptr);
-}
-
 }  // namespace
 
 void buildLaneTwiddles(float *table, std::int32_t order, const UnitCircle &circle) {
@@ -59,7 +51,7 @@ void buildLaneTwiddles(float *table, std::int32_t order, const UnitCircle &circl
       }
 }
 
-void transformLanes(float *data, std::int32_t order, std::int32_t count, const float *twiddles) {
+void transformLanesButLast(float *data, std::int32_t order, std::int32_t count, const float *twiddles) {
   const float *end = data + (static_cast<std::size_t>(count) << order) * kLaneFloats;
   for (std::int32_t radixOrder; order > (radixOrder = firstRadixOrder(order)); order -= radixOrder) {
     const std::size_t apart = std::size_t{1} << (order - radixOrder);
@@ -69,16 +61,24 @@ void transformLanes(float *data, std::int32_t order, std::int32_t count, const f
       rotatedPass<4>(data, end, apart, twiddles);
     twiddles += (apart - 1) * ((std::size_t{1} << radixOrder) - 1) * kLaneFloats;
   }
-  if (order == 3) {
-    lastPass<8>(data, end);
-  } else if (order == 2) {
-    lastPass<4>(data, end);
-  } else {
-    for (; data != end; data += 2 * kLaneFloats) {
-      const Complex4 a = loadLanes(data), b = loadLanes(data + kLaneFloats);
-      storeLanes(data, a + b);
-      storeLanes(data + kLaneFloats, a - b);
-    }
+}
+
+void transformLanes(float *data, std::int32_t order, std::int32_t count, const float *twiddles) {
+  transformLanesButLast(data, order, count, twiddles);
+  const float *end = data + (static_cast<std::size_t>(count) << order) * kLaneFloats;
+  switch (lastRadixOrder(order)) {
+    case 3:
+      for (; data != end; data += 8 * kLaneFloats) butterfly8<false>(data, kLaneFloats, nullptr);
+      break;
+    case 2:
+      for (; data != end; data += 4 * kLaneFloats) butterfly4<false>(data, kLaneFloats, nullptr);
+      break;
+    default:
+      for (; data != end; data += 2 * kLaneFloats) {
+        const Complex4 a = loadLanes(data), b = loadLanes(data + kLaneFloats);
+        storeLanes(data, a + b);
+        storeLanes(data + kLaneFloats, a - b);
+      }
   }
 }
 

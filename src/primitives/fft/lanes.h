@@ -27,15 +27,19 @@ inline Complex4 operator-(Complex4 a, Complex4 b) { return {a.re - b.re, a.im - 
 inline Complex4 operator*(Complex4 a, Complex4 b) {
   return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
+inline Complex4 conjugateTimes(Complex4 a, Complex4 b) {
+  return {a.re * b.re + a.im * b.im, a.re * b.im - a.im * b.re};
+}
 inline Complex4 operator*(Complex4 a, simd::f32x4 b) { return {a.re * b, a.im * b}; }
 // a - i b, and a + i b
 inline Complex4 minusI(Complex4 a, Complex4 b) { return {a.re + b.im, a.im - b.re}; }
 inline Complex4 plusI(Complex4 a, Complex4 b) { return {a.re - b.im, a.im + b.re}; }
 
-inline Complex4 loadLanes(const float *p) { return {simd::load4(p), simd::load4(p + 4)}; }
+// One element of four lanes, or four factors of a table: at a 16-byte boundary.
+inline Complex4 loadLanes(const float *p) { return {simd::loadAligned4(p), simd::loadAligned4(p + 4)}; }
 inline void storeLanes(float *p, Complex4 a) {
-  simd::store4(p, a.re);
-  simd::store4(p + 4, a.im);
+  simd::storeAligned4(p, a.re);
+  simd::storeAligned4(p + 4, a.im);
 }
 
 // Four complex values that stand one behind the other.
@@ -47,6 +51,14 @@ inline Complex4 loadInterleaved(const float *p) {
 inline void storeInterleaved(float *p, Complex4 a) {
   simd::store4(p, simd::interleaveLow(a.re, a.im));
   simd::store4(p + 4, simd::interleaveHigh(a.re, a.im));
+}
+
+// The conjugates, from the last one to the first.
+inline void storeMirrored(float *p, Complex4 a) {
+  a.im = a.im ^ simd::signBits4();
+  const simd::f32x4 low = simd::interleaveLow(a.re, a.im), high = simd::interleaveHigh(a.re, a.im);
+  simd::store4(p, simd::shuffle<2, 3, 0, 1>(high, high));
+  simd::store4(p + 4, simd::shuffle<2, 3, 0, 1>(low, low));
 }
 
 inline void transpose(Complex4 &a, Complex4 &b, Complex4 &c, Complex4 &d) {
@@ -67,29 +79,74 @@ inline Quad dft4(Complex4 a, Complex4 b, Complex4 c, Complex4 d) {
   return joined(a + c, a - c, b + d, b - d);
 }
 
-struct Eight {
-  Quad even, odd;  // y[0], y[2], ... and y[1], y[3], ...
-};
-
-template <class Load>
-inline Eight dft8(Load load) {
-  const Complex4 x0 = load(0), x4 = load(4), x2 = load(2), x6 = load(6);
-  const Complex4 x1 = load(1), x5 = load(5), x3 = load(3), x7 = load(7);
-  const Quad even = dft4(x0 + x4, x1 + x5, x2 + x6, x3 + x7);
-  const Complex4 d0 = x0 - x4, d1 = x1 - x5, d2 = x2 - x6, d3 = x3 - x7;
+// y[k] = sum of x[j] exp(-2 pi i j k / 8), x[j] at p + j step, in place but for the results, which go to
+// put(k, y[k]); slot k of x has been read by then. Between its halves the differences of x wait in slots that
+// are free: sixteen registers do not hold them beside the sums, and spilling them costs more.
+template <class Put>
+inline void dft8(float *p, std::size_t step, Put put) {
+  float *q = p + 4 * step;
+  {
+    const Complex4 x0 = loadLanes(p), x4 = loadLanes(q);
+    const Complex4 x1 = loadLanes(p + step), x5 = loadLanes(q + step);
+    const Complex4 s0 = x0 + x4;
+    storeLanes(p + step, x0 - x4);
+    const Complex4 x3 = loadLanes(p + 3 * step), x7 = loadLanes(q + 3 * step);
+    const Complex4 s1 = x1 + x5;
+    storeLanes(p + 3 * step, x1 - x5);
+    const Complex4 x2 = loadLanes(p + 2 * step), x6 = loadLanes(q + 2 * step);
+    const Complex4 s2 = x2 + x6;
+    storeLanes(q + step, x2 - x6);
+    const Complex4 s3 = x3 + x7;
+    storeLanes(q + 3 * step, x3 - x7);
+    const Quad even = dft4(s0, s1, s2, s3);
+    put(0, even.y[0]);
+    put(2, even.y[1]);
+    put(4, even.y[2]);
+    put(6, even.y[3]);
+  }
+  simd::forgetRegisters();
+  const Complex4 d0 = loadLanes(p + step), d1 = loadLanes(p + 3 * step);
+  const Complex4 d2 = loadLanes(q + step), d3 = loadLanes(q + 3 * step);
   // exp(-i pi/4) and exp(-3 i pi/4), but for the factor sqrt(1/2)
   const Complex4 r1 = {d1.re + d1.im, d1.im - d1.re};
   const Complex4 r3 = {d3.im - d3.re, d3.re + d3.im};
   const simd::f32x4 half = simd::splat4(0.70710677F);
   const Complex4 sum = Complex4{r1.re + r3.re, r1.im - r3.im} * half;
   const Complex4 diff = Complex4{r1.re - r3.re, r1.im + r3.im} * half;
-  return {even, joined(minusI(d0, d2), plusI(d0, d2), sum, diff)};
+  const Quad odd = joined(minusI(d0, d2), plusI(d0, d2), sum, diff);
+  put(1, odd.y[0]);
+  put(3, odd.y[1]);
+  put(5, odd.y[2]);
+  put(7, odd.y[3]);
+}
+
+// Eight real values, four columns side by side. conj1 is the conjugate of result 1.
+struct RealEight {
+  simd::f32x4 y0, y4;
+  Complex4 conj1, y2, y3;
+};
+
+inline RealEight dft8(const simd::f32x4 (&x)[8]) {
+  const simd::f32x4 half = simd::splat4(0.70710677F);
+  const simd::f32x4 s0 = x[0] + x[4], s1 = x[1] + x[5], s2 = x[2] + x[6], s3 = x[3] + x[7];
+  const simd::f32x4 d0 = x[0] - x[4], d1 = x[1] - x[5], d2 = x[2] - x[6], d3 = x[3] - x[7];
+  const simd::f32x4 p = (d1 - d3) * half, q = (d1 + d3) * half;
+  RealEight y;
+  y.conj1 = {d0 + p, d2 + q};
+  y.y3 = {d0 - p, d2 - q};
+  y.y2 = {s0 - s2, s3 - s1};
+  const simd::f32x4 even = s0 + s2, odd = s1 + s3;
+  y.y0 = even + odd;
+  y.y4 = even - odd;
+  return y;
 }
 
 // The radix of the first pass of a transform of 2^order points.
 constexpr std::int32_t firstRadixOrder(std::int32_t order) {
   return order < 3 ? order : order % 3 == 0 ? 3 : 2;
 }
+
+constexpr std::int32_t lastRadixOrder(std::int32_t order) { return order < 3 ? order : order == 4 ? 2 : 3; }
 
 // Where result k of a transform of 2^order points stands.
 constexpr std::int32_t positionOf(std::int32_t k, std::int32_t order) {
@@ -119,6 +176,9 @@ void buildLaneTwiddles(float *table, std::int32_t order, const UnitCircle &circl
 
 // Transforms `count` groups of four, one behind the other.
 void transformLanes(float *data, std::int32_t order, std::int32_t count, const float *twiddles);
+// All passes but the last, which is left to the caller: a dft8() of every eight elements, or a dft4() of
+// every four if lastRadixOrder() is 2.
+void transformLanesButLast(float *data, std::int32_t order, std::int32_t count, const float *twiddles);
 
 }  // namespace orv::fft
 

@@ -1,4 +1,5 @@
-// Complex transforms of 4096 points and more.
+// Real transforms of 8192 values and more, as complex transforms of half as many points: value 2n + i of the
+// signal is part i of point n.
 //
 // With M = H B H, an index is three digits: n = (n2, n1, n0) and k = (k2, k1, k0), each with the most
 // significant digit first, n2, n0, k2, k0 below H, n1 and k1 below B.
@@ -15,6 +16,7 @@
 
 #include <cstring>
 
+#include "primitives/fft/bins.h"
 #include "primitives/fft/plan.h"
 #include "primitives/memory.h"
 
@@ -86,7 +88,13 @@ void storeRows(const float *from, const std::uint16_t *positions, std::size_t le
 struct AsTheyAre {
   Complex4 operator()(Complex4 v) const { return v; }
 };
-
+struct Times {
+  simd::f32x4 factor;
+  Complex4 operator()(Complex4 v) const { return v * factor; }
+};
+struct Exchanged {
+  Complex4 operator()(Complex4 v) const { return {v.im, v.re}; }
+};
 struct ExchangedTimes {
   simd::f32x4 factor;
   Complex4 operator()(Complex4 v) const { return {v.im * factor, v.re * factor}; }
@@ -119,10 +127,12 @@ void columnStep(float *data, std::size_t rowFloats, const ColumnTransform &colum
   }
 }
 
+// In natural order before and after, in place or not.
 template <class Finish>
 void transform(const OrvRealFftState32f &spec, const float *src, float *dst, float *work, Finish finish) {
   alignas(64) float own[2 * kGroupFloats];
-  const Groups groups = {work != nullptr ? work : own + kGroupFloats, own};
+  // Half of the columns go through the work buffer, if there is one and an allocator has aligned it.
+  const Groups groups = {work != nullptr && isAligned(work, 16) ? work : own + kGroupFloats, own};
   const Split split = splitOf(spec.order - 1);
   const std::size_t side = std::size_t{1} << split.side;
   const std::size_t row = side << split.middle;
@@ -163,21 +173,121 @@ void buildSteps(float *steps, std::int64_t rows, std::int64_t columns, const Uni
       }
 }
 
+// The factors of the bins of each run, in the order of Run::low.
+void buildBinFactors(float *table, std::int32_t order, const UnitCircle &circle) {
+  constexpr int bins[8] = {0, 1, 2, 3, 4, 7, 6, 5};
+  for (std::int64_t r = 0; r < std::int64_t{1} << (order - 5); ++r, table += 2 * kLaneFloats)
+    for (int i = 0; i < 8; ++i) {
+      const Twiddle w = circle.at(8 * r + bins[i], order);
+      float *part = table + i / 4 * 8 + i % 4;
+      part[0] = 0.5F * w.re;
+      part[4] = static_cast<float>(0.5 + 0.5 * static_cast<double>(w.im));
+    }
+}
+
+// Runs in memory, by the address of bin 1. The first run holds bins 0 and M, which stand elsewhere.
+constexpr std::size_t kFirstRunBytes = (kRunFloats - 2) * sizeof(float);
+
+void loadFirstRun(Run &run, const float *bin1, std::size_t points) {
+  float low[kRunFloats] = {}, high[kRunFloats] = {};
+  std::memcpy(low + 2, bin1, kFirstRunBytes);
+  std::memcpy(high, bin1 + 2 * (points - 8), kFirstRunBytes);
+  loadLow(low, run.low);
+  loadHigh(high, run.high);
+}
+void storeFirstRun(const Run &run, float *bin1, std::size_t points) {
+  float low[kRunFloats], high[kRunFloats];
+  storeLow(low, run.low);
+  storeHigh(high, run.high);
+  std::memcpy(bin1, low + 2, kFirstRunBytes);
+  std::memcpy(bin1 + 2 * (points - 8), high, kFirstRunBytes);
+}
+
+// All bins but 0, M/2 and M, in place or not.
+template <Direction direction, class Finish>
+void recombineBins(const OrvRealFftState32f &spec, const float *src, float *dst, Finish finish) {
+  const std::size_t points = std::size_t{1} << (spec.order - 1);
+  const float *w = spec.realRecTwiddles;
+  const auto recombined = [&](Run &run) {
+    recombine<direction>(run, w);
+    w += 2 * kLaneFloats;
+    for (int i = 0; i < 2; ++i) {
+      run.low[i] = finish(run.low[i]);
+      run.high[i] = finish(run.high[i]);
+    }
+  };
+  Run run;
+  loadFirstRun(run, src, points);
+  recombined(run);
+  storeFirstRun(run, dst, points);
+  for (std::size_t at = kRunFloats - 2; at + 2 < points; at += kRunFloats) {
+    const std::size_t mirror = 2 * points - kRunFloats - 2 - at;
+    loadLow(src + at, run.low);
+    loadHigh(src + mirror, run.high);
+    recombined(run);
+    storeLow(dst + at, run.low);
+    storeHigh(dst + mirror, run.high);
+  }
+}
+
+struct Bin {
+  float re, im;
+};
+Bin loadBin(const float *p) { return {load(p), load(p + 1)}; }
+void storeBin(float *p, Bin v) {
+  store(p, v.re);
+  store(p + 1, v.im);
+}
+
 }  // namespace
 
-void largeTransform(const OrvRealFftState32f &spec, const float *src, float *dst, float *work) {
-  transform(spec, src, dst, work, AsTheyAre{});
-}
-
-void largeTransformExchanged(const OrvRealFftState32f &spec, float *data, float factor, float *work) {
-  transform(spec, data, data, work, ExchangedTimes{simd::splat4(factor)});
-}
-
-void buildLargeSteps(Split split, float *steps, float *middleSteps, const UnitCircle &circle) {
+void buildLargeTables(const TablePointers &tables, std::int32_t order, const UnitCircle &circle) {
+  const Split split = splitOf(order - 1);
+  for (int i = 0; i < 2; ++i) {
+    const std::int32_t digit = i == 0 ? split.side : split.middle;
+    for (std::int32_t k = 0; k < 1 << digit; ++k)
+      tables.indices[i][k] = static_cast<std::uint16_t>(positionOf(k, digit));
+    buildLaneTwiddles(tables.lanes[i], digit, circle);
+  }
   const std::int64_t side = std::int64_t{1} << split.side;
   const std::int64_t row = side << split.middle;
-  buildSteps(steps, side, row, circle, 2 * split.side + split.middle);
-  buildSteps(middleSteps, row / side, side, circle, split.side + split.middle);
+  buildSteps(tables.steps[0], side, row, circle, order - 1);
+  buildSteps(tables.steps[1], row / side, side, circle, split.side + split.middle);
+  buildBinFactors(tables.bins, order, circle);
+}
+
+Ends largeForward(const OrvRealFftState32f &spec, const float *src, float *dst, float *bin1, float factor,
+                  float *work) {
+  const std::size_t len = std::size_t{1} << spec.order;
+  transform(spec, src, dst, work, AsTheyAre{});
+  const Bin zero = loadBin(dst);
+  const Bin middle = loadBin(dst + len / 2);
+  if (bin1 != dst + 2) std::memmove(bin1, dst + 2, (len - 2) * sizeof(float));
+  if (factor == 1.0F)
+    recombineBins<Direction::forward>(spec, bin1, bin1, AsTheyAre{});
+  else
+    recombineBins<Direction::forward>(spec, bin1, bin1, Times{simd::splat4(factor)});
+  storeBin(bin1 + len / 2 - 2, {middle.re * factor, -middle.im * factor});
+  return {(zero.re + zero.im) * factor, (zero.re - zero.im) * factor};
+}
+
+// The inverse of a transform is the transform of the points with exchanged parts, its own parts exchanged.
+void largeInverse(const OrvRealFftState32f &spec, const float *packed, float *dst, float factor,
+                  float *work) {
+  const std::size_t len = std::size_t{1} << spec.order;
+  const float first = load(packed);
+  const float last = load(packed + len - 1);
+  const Bin middle = loadBin(packed + len / 2 - 1);
+  const float *bin1 = packed + 1;
+  if (packed == dst) {
+    std::memmove(dst + 2, packed + 1, (len - 2) * sizeof(float));
+    bin1 = dst + 2;
+  }
+  // Half of every point; the factor makes up for it.
+  recombineBins<Direction::inverse>(spec, bin1, dst + 2, Exchanged{});
+  storeBin(dst, {0.5F * (first - last), 0.5F * (first + last)});
+  storeBin(dst + len / 2, {-middle.im, middle.re});
+  transform(spec, dst, dst, work, ExchangedTimes{simd::splat4(2 * factor)});
 }
 
 }  // namespace orv::fft

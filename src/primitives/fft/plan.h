@@ -1,66 +1,58 @@
-// How the complex transform behind a real one is taken apart, and which tables that takes.
-//
-// N real values are N/2 = M complex ones.
-//   M <= 2048: eight columns' sums at once, x[n + (M/8) j], j = 0..7, then eight transforms of M/8 points in
-//   two
-//     groups of four lanes, all in one buffer on the stack.
-//   above: M = H B H points with H = 2^side; see large.cpp.
-// In both, the transforms of four lanes have a length of at most 2^kMaxLaneOrder.
+// How the tables lie in an object, and what transforms the lengths that are too long for real.h.
 
 #ifndef ORV_PRIMITIVES_FFT_PLAN_H
 #define ORV_PRIMITIVES_FFT_PLAN_H
 
-#include "primitives/fft/lanes.h"
-#include "primitives/fft/state.h"
+#include "primitives/fft/engine.h"
+#include "primitives/fft/real.h"
 
 namespace orv::fft {
 
-constexpr std::int32_t kMaxBufferedOrder = 11;  // complex order up to which the stack holds everything
+constexpr bool isLarge(std::int32_t order) { return order > kMaxRealOrder; }
+
 constexpr std::int32_t kMaxLaneOrder = 9;
 
-constexpr bool isLarge(std::int32_t complexOrder) { return complexOrder > kMaxBufferedOrder; }
-
+// log2 of H and B, see large.cpp. One group of lanes of H elements fits the work buffer.
 struct Split {
-  std::int32_t side, middle;  // log2 of H and B
+  std::int32_t side, middle;
 };
-
-// One column group of H elements in four lanes fits the work buffer.
 constexpr Split splitOf(std::int32_t complexOrder) {
   std::int32_t side = std::min(complexOrder / 2, kMaxLaneOrder);
   if (blockOrder(complexOrder) != 0) side = std::min(side, blockOrder(complexOrder));
   return {side, complexOrder - 2 * side};
 }
 
-// Floats of each table. A table of W^(n k) that is read once in order is a step table, as are the factors
-// that join bins k and M - k.
+// Entries of each table, in the order in which they lie in the object. The second of a kind is that of row 0
+// of a real transform, and that of the middle digit of a large one.
 struct Tables {
-  std::int64_t positions;  // 16-bit entries; those of the middle transforms behind those of the sides
-  std::int64_t lanes, middleLanes;
-  std::int64_t step, middleStep;
+  std::int64_t indices[2];  // of 16 bits
+  std::int64_t lanes[2];    // floats
+  std::int64_t steps[2];
   std::int64_t bins;
 
   constexpr std::int64_t bytes() const {
-    return up32(2 * positions) + up32(4 * lanes) + up32(4 * middleLanes) + up32(4 * step) +
-           up32(4 * middleStep) + up32(4 * bins);
+    std::int64_t sum = up32(2 * (indices[0] + indices[1])) + up32(4 * bins);
+    for (int i = 0; i < 2; ++i) sum += up32(4 * lanes[i]) + up32(4 * steps[i]);
+    return sum;
   }
 };
 
 constexpr Tables tablesOf(std::int32_t order) {
-  const std::int32_t complexOrder = order - 1;
-  const std::int64_t points = std::int64_t{1} << complexOrder;
-  if (!isLarge(complexOrder)) {
-    const std::int32_t columns = complexOrder - 3;
-    // The shortest transform has no room for its step table, which is constant.
-    const std::int64_t step = order == 6 ? 0 : (std::int64_t{7} << columns) * 2;
-    return {std::int64_t{1} << columns, laneTwiddleFloats(columns), 0, step, 0, points};
+  if (isLarge(order)) {
+    const Split split = splitOf(order - 1);
+    const std::int64_t points = std::int64_t{1} << (order - 1);
+    return {{std::int64_t{1} << split.side, std::int64_t{1} << split.middle},
+            {laneTwiddleFloats(split.side), laneTwiddleFloats(split.middle)},
+            {2 * points, std::int64_t{2} << (split.side + split.middle)},
+            points};
   }
-  const Split split = splitOf(complexOrder);
-  return {(std::int64_t{1} << split.side) + (std::int64_t{1} << split.middle),
-          laneTwiddleFloats(split.side),
-          laneTwiddleFloats(split.middle),
-          2 * points,
-          2LL << (split.side + split.middle),
-          points};
+  Tables tables = {};
+  for (int i = 0; order >= kMinRealOrder; ++i, order -= 4) {
+    tables.indices[i] = realBlocks(order);
+    tables.lanes[i] = laneTwiddleFloats(order - 4);
+    tables.steps[i] = realStepFloats(order);
+  }
+  return tables;
 }
 
 constexpr bool tablesFit() {
@@ -70,13 +62,27 @@ constexpr bool tablesFit() {
 }
 static_assert(tablesFit());
 
-// Transforms M complex points, in natural order before and after, in place or not.
-void largeTransform(const OrvRealFftState32f &spec, const float *src, float *dst, float *work);
-// The same in place, and then each result times `factor`, its parts exchanged.
-void largeTransformExchanged(const OrvRealFftState32f &spec, float *data, float factor, float *work);
+// The tables of one object; it names them
+//   bitRevTable           indices, of both kinds
+//   radix4Twiddles        lanes[0]
+//   blockTwiddles         lanes[1]
+//   realRecTwiddles       bins, for both directions, so that ccsRecTwiddles is the same
+//   levelStepTwiddles[i]  steps[i]
+struct TablePointers {
+  std::uint16_t *indices[2];
+  float *lanes[2];
+  float *steps[2];
+  float *bins;
+};
 
-// Writes the step tables of a large transform.
-void buildLargeSteps(Split split, float *steps, float *middleSteps, const UnitCircle &circle);
+void buildLargeTables(const TablePointers &tables, std::int32_t order, const UnitCircle &circle);
+
+// Bins 1 to N/2 - 1 go to bin1[], times factor, by way of dst[0 .. N-1], in or close behind which bin1 lies.
+// src and dst may be the same array.
+Ends largeForward(const OrvRealFftState32f &spec, const float *src, float *dst, float *bin1, float factor,
+                  float *work);
+// The bins are packed, and may be in dst.
+void largeInverse(const OrvRealFftState32f &spec, const float *packed, float *dst, float factor, float *work);
 
 }  // namespace orv::fft
 
