@@ -31,7 +31,6 @@ struct f64x2 {
 // --- four single lanes
 
 inline f32x4 load4(const float *p) { return {_mm_loadu_ps(p)}; }
-inline f32x4 loadAligned4(const float *p) { return {_mm_load_ps(p)}; }  // from a 16-byte boundary
 inline void store4(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
 // From a 16-byte boundary: an operand of arithmetic by itself, where load4() is an instruction of its own.
 inline f32x4 loadAligned4(const float *p) { return {_mm_load_ps(p)}; }
