@@ -51,8 +51,13 @@ void checkOptions(const FeatureOptions &o, int sampleRate) {
   need(o.hopMs > 0 && o.hopMs <= 1000, text("a hop of ", o.hopMs, " ms is not within 0 to 1000 ms"));
   need(o.preEmphasis >= 0 && o.preEmphasis <= 1,
        text("a pre-emphasis of ", o.preEmphasis, " is not within 0 to 1"));
+  if (o.kind == FeatureKind::lpcc || o.kind == FeatureKind::lsf) {
+    need(o.order >= 2 && o.order <= 40 && o.order % 2 == 0,
+         text("a predictor of order ", o.order, " is not an even one within 2 to 40"));
+    return;
+  }
   need(o.bands >= 1, text(o.bands, " bands are too few"));
-  need(o.cepstra >= 1 && o.cepstra <= o.bands,
+  need(o.kind != FeatureKind::mfcc || (o.cepstra >= 1 && o.cepstra <= o.bands),
        text(o.cepstra, " cepstra are not within 1 to the ", o.bands, " bands"));
   need(o.lifter >= 1, text("a lifter of ", o.lifter, " is below 1"));
   const double half = 0.5 * sampleRate;
@@ -97,26 +102,41 @@ FeatureChain::~FeatureChain() = default;
 FeatureChain::FeatureChain(FeatureChain &&) noexcept = default;
 FeatureChain &FeatureChain::operator=(FeatureChain &&) noexcept = default;
 
-FeatureChain::FeatureChain(const FeatureOptions &options, int sampleRate) : sampleRate_(sampleRate) {
+FeatureChain::FeatureChain(const FeatureOptions &options, int sampleRate)
+    : kind_(options.kind), sampleRate_(sampleRate) {
   checkOptions(options, sampleRate);
   frameLen_ = static_cast<std::int32_t>(std::lround(options.frameMs * sampleRate / 1000));
   hop_ = static_cast<std::int32_t>(std::lround(options.hopMs * sampleRate / 1000));
   if (frameLen_ < 2) throw Error(text("a frame of ", options.frameMs, " ms is shorter than two samples"));
   if (hop_ < 1) throw Error(text("a hop of ", options.hopMs, " ms is shorter than a sample"));
-  bands_ = options.bands;
-  statics_ = options.cepstra + 1;
+  bands_ = takesBands() ? options.bands : 0;
+  order_ = takesBands() ? 0 : options.order;
+  statics_ = kind_ == FeatureKind::mfcc ? options.cepstra + 1 : takesBands() ? bands_ : order_ + 1;
   meanNormalisation_ = options.meanNormalisation;
   preEmphasis_ = static_cast<float>(options.preEmphasis);
+  if (order_ >= frameLen_) throw Error(text("a predictor of order ", order_, " needs a longer frame"));
 
-  const std::size_t transform = std::bit_ceil(static_cast<std::size_t>(frameLen_));
+  window_.resize(static_cast<std::size_t>(frameLen_));
+  for (std::int32_t i = 0; i < frameLen_; ++i) {
+    window_[static_cast<std::size_t>(i)] = kFullScale * windowGain(options.window, i, frameLen_);
+  }
+  windowed_.assign(std::bit_ceil(static_cast<std::size_t>(frameLen_)), 0.0f);
+  if (takesBands()) buildBank(options);
+  if (kind_ == FeatureKind::mfcc) buildLifter(options);
+  energies_.resize(kBlock * static_cast<std::size_t>(bands_));
+  values_.resize(kBlock * static_cast<std::size_t>(statics_));
+  predictor_.resize(static_cast<std::size_t>(order_));
+}
+
+void FeatureChain::buildBank(const FeatureOptions &options) {
   const std::string tooMany =
-      text(bands_, " bands are more than the ", transform, "-point spectrum of a frame can fill");
-  if (static_cast<std::size_t>(bands_) > transform / 2) throw Error(tooMany);
+      text(bands_, " bands are more than the ", windowed_.size(), "-point spectrum of a frame can fill");
+  if (static_cast<std::size_t>(bands_) > windowed_.size() / 2) throw Error(tooMany);
 
-  const double highHz = options.highHz == 0 ? 0.5 * sampleRate : options.highHz;
+  const double highHz = options.highHz == 0 ? 0.5 * sampleRate_ : options.highHz;
   OrvsFBankState_32f *bank = nullptr;
   std::int32_t order = 0;
-  require(orvsMelFBankInitAlloc_32f(&bank, &order, frameLen_, static_cast<float>(sampleRate),
+  require(orvsMelFBankInitAlloc_32f(&bank, &order, frameLen_, static_cast<float>(sampleRate_),
                                     static_cast<float>(options.lowHz), static_cast<float>(highHz), bands_,
                                     1127.0f, 700.0f, orvFBankMelWeights | orvFBankFromSamples),
           "orvsMelFBankInitAlloc_32f");
@@ -127,20 +147,14 @@ FeatureChain::FeatureChain(const FeatureOptions &options, int sampleRate) : samp
   for (std::size_t i = 2; i < centers.size(); ++i) {
     if (centers[i] == centers[i - 2]) throw Error(tooMany);
   }
+}
 
+void FeatureChain::buildLifter(const FeatureOptions &options) {
   const float gain = std::sqrt(2.0f / static_cast<float>(bands_));  // makes the cosine transform orthonormal
   OrvsDCTLifterState_32f *lifter = nullptr;
   require(orvsDCTLifterInitAlloc_C0_32f(&lifter, bands_, options.cepstra, options.lifter, gain, gain),
           "orvsDCTLifterInitAlloc_C0_32f");
   lifter_.reset(lifter);
-
-  window_.resize(static_cast<std::size_t>(frameLen_));
-  for (std::int32_t i = 0; i < frameLen_; ++i) {
-    window_[static_cast<std::size_t>(i)] = kFullScale * windowGain(options.window, i, frameLen_);
-  }
-  windowed_.assign(std::size_t{1} << order, 0.0f);
-  energies_.resize(kBlock * static_cast<std::size_t>(bands_));
-  cepstra_.resize(kBlock * static_cast<std::size_t>(statics_));
 }
 
 std::size_t FeatureChain::frames(std::size_t samples) const {
@@ -162,6 +176,40 @@ void FeatureChain::windowFrame(std::span<const float> samples, std::size_t start
   for (std::size_t i = 1; i < len; ++i) to[i] = (x[i] - preEmphasis_ * x[i - 1]) * gain[i];
 }
 
+void FeatureChain::predictFrame(float *values) {
+  const std::span<const float> frame(windowed_.data(), static_cast<std::size_t>(frameLen_));
+  float energy = 0;
+  for (const float x : frame) energy += x * x;
+  values[order_] = energy;
+  logFloored({values + order_, 1}, kEnergyFloor);
+
+  // A silent frame has no predictor; a flat spectrum stands for it.
+  const OrvStatus status = orvsLinearPrediction_Auto_32f(frame.data(), frameLen_, predictor_.data(), order_);
+  if (status == orvStsDurbinErr) {
+    std::fill(predictor_.begin(), predictor_.end(), 0.0f);
+  } else {
+    require(status, "orvsLinearPrediction_Auto_32f");
+  }
+  if (kind_ == FeatureKind::lpcc) {
+    require(orvsLPToCepstrum_32f(predictor_.data(), values, order_), "orvsLPToCepstrum_32f");
+  } else {
+    lineFrequencies(values);
+  }
+}
+
+void FeatureChain::lineFrequencies(float *values) {
+  constexpr std::int32_t kGrid = 512, kHalvings = 6;
+  constexpr float kWidening = 0.98f;
+  std::int32_t found = 0;
+  // Two lines so close that the grid misses them are those of a very sharp resonance; it is widened until
+  // they part.
+  while (orvsLPToLSP_32f(predictor_.data(), values, order_, &found, kGrid, kHalvings) == orvStsLspRootsErr) {
+    float gain = 1;
+    for (float &a : predictor_) a *= gain *= kWidening;
+  }
+  for (std::int32_t i = 0; i < order_; ++i) values[i] = std::acos(std::clamp(values[i], -1.0f, 1.0f));
+}
+
 void FeatureChain::compute(std::span<const float> samples, Frames &features) {
   const std::size_t total = frames(samples.size());
   const auto bands = static_cast<std::size_t>(bands_);
@@ -171,20 +219,25 @@ void FeatureChain::compute(std::span<const float> samples, Frames &features) {
 
   for (std::size_t first = 0; first < total; first += kBlock) {
     const std::size_t count = std::min(kBlock, total - first);
+    float *logBands = kind_ == FeatureKind::fbank ? values_.data() : energies_.data();
     for (std::size_t i = 0; i < count; ++i) {
       windowFrame(samples, (first + i) * static_cast<std::size_t>(hop_));
-      require(orvsEvalFBank_32f(windowed_.data(), energies_.data() + i * bands, bank_.get()),
-              "orvsEvalFBank_32f");
+      if (takesBands()) {
+        require(orvsEvalFBank_32f(windowed_.data(), logBands + i * bands, bank_.get()), "orvsEvalFBank_32f");
+      } else {
+        predictFrame(values_.data() + i * statics);
+      }
     }
-    logFloored({energies_.data(), count * bands}, kEnergyFloor);
+    if (takesBands()) logFloored({logBands, count * bands}, kEnergyFloor);
     for (std::size_t i = 0; i < count; ++i) {
-      float *cepstra = cepstra_.data() + i * statics;
-      require(orvsDCTLifter_32f(energies_.data() + i * bands, cepstra, lifter_.get()), "orvsDCTLifter_32f");
-      for (std::size_t j = 0; j < statics; ++j) sums[j] += cepstra[j];
+      float *values = values_.data() + i * statics;
+      if (kind_ == FeatureKind::mfcc)
+        require(orvsDCTLifter_32f(logBands + i * bands, values, lifter_.get()), "orvsDCTLifter_32f");
+      for (std::size_t j = 0; j < statics; ++j) sums[j] += values[j];
     }
     // The rows carried from the block before are those just above in the one result.
     const std::int32_t mode = (first == 0 ? orvDeltaBegin : 0) | (first + count == total ? orvDeltaEnd : 0);
-    require(orvsDeltaDelta_Win2_32f_D2(cepstra_.data(), statics_,
+    require(orvsDeltaDelta_Win2_32f_D2(values_.data(), statics_,
                                        features.row(first == 0 ? 0 : first - kDeltaLead), features.step,
                                        static_cast<std::int32_t>(count), kDeltaGain, kDeltaGain, mode),
             "orvsDeltaDelta_Win2_32f_D2");

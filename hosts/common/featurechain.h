@@ -1,4 +1,4 @@
-// From samples to feature vectors: cepstra with their delta and acceleration values.
+// From samples to feature vectors: values of a frame with their delta and acceleration values.
 
 #ifndef ORV_HOSTS_COMMON_FEATURECHAIN_H
 #define ORV_HOSTS_COMMON_FEATURECHAIN_H
@@ -18,7 +18,12 @@ namespace orv {
 
 enum class Window { hamming, hann, rectangular };
 
+// What a frame is described by: mel cepstra c1 .. cn and C0; log energies of the mel bands; cepstra of a
+// linear predictor, or its line spectrum frequencies in radians, either with the log energy of the frame.
+enum class FeatureKind { mfcc, fbank, lpcc, lsf };
+
 struct FeatureOptions {
+  FeatureKind kind = FeatureKind::mfcc;
   double frameMs = 25;
   double hopMs = 10;
   Window window = Window::hamming;
@@ -28,6 +33,7 @@ struct FeatureOptions {
   double highHz = 0;          // 0: half the sample rate
   std::int32_t cepstra = 12;  // beside C0
   std::int32_t lifter = 22;
+  std::int32_t order = 12;  // of the predictor
   bool meanNormalisation = true;
 };
 
@@ -36,9 +42,9 @@ struct FeatureOptions {
 // values at a time.
 void logFloored(std::span<float> values, float floor);
 
-// Pre-emphasis y[n] = x[n] - a x[n - 1], window, mel bands of the magnitude spectrum, log, cosine transform
-// with lifter, delta and acceleration over two frames on either side, mean normalisation over the recording.
-// A row holds c1 .. cn and C0, then their delta, then their acceleration values.
+// Pre-emphasis y[n] = x[n] - a x[n - 1], window, the values of the kind, delta and acceleration over two
+// frames on either side, mean normalisation over the recording. A row holds the values, then their delta,
+// then their acceleration values.
 //
 // The chain reuses its buffers; a thread needs one of its own.
 class FeatureChain {
@@ -71,18 +77,26 @@ class FeatureChain {
     void operator()(OrvsDCTLifterState_32f *lifter) const;
   };
 
+  bool takesBands() const { return kind_ == FeatureKind::mfcc || kind_ == FeatureKind::fbank; }
+  void buildBank(const FeatureOptions &options);
+  void buildLifter(const FeatureOptions &options);
   void windowFrame(std::span<const float> samples, std::size_t start);
+  // The values of the window's frame that come from its predictor, and the log energy behind them.
+  void predictFrame(float *values);
+  void lineFrequencies(float *values);
 
+  FeatureKind kind_;
   int sampleRate_;
-  std::int32_t frameLen_, hop_, bands_, statics_;
+  std::int32_t frameLen_, hop_, bands_, order_, statics_;
   bool meanNormalisation_;
   float preEmphasis_;
   std::unique_ptr<OrvsFBankState_32f, BankRelease> bank_;
   std::unique_ptr<OrvsDCTLifterState_32f, LifterRelease> lifter_;
-  std::vector<float> window_;    // frameLen_ gains
-  std::vector<float> windowed_;  // one frame, padded with zeros to the length of the transform
-  std::vector<float> energies_;  // a block of frames, bands_ each
-  std::vector<float> cepstra_;   // a block of frames, statics_ each
+  std::vector<float> window_;     // frameLen_ gains
+  std::vector<float> windowed_;   // one frame, padded with zeros to the length of the transform
+  std::vector<float> energies_;   // a block of frames, bands_ each
+  std::vector<float> values_;     // a block of frames, statics_ each
+  std::vector<float> predictor_;  // order_ coefficients
 };
 
 }  // namespace orv

@@ -56,6 +56,8 @@ Json toJson(const FeatureOptions &o) {
   return {{"frameMs", o.frameMs},
           {"hopMs", o.hopMs},
           {"window", static_cast<int>(o.window)},
+          {"kind", static_cast<int>(o.kind)},
+          {"order", o.order},
           {"preEmphasis", o.preEmphasis},
           {"bands", o.bands},
           {"lowHz", o.lowHz},
@@ -70,6 +72,10 @@ FeatureOptions featureOptions(const Json &json) {
   const int window = json.at("window").get<int>();
   need(window >= 0 && window <= static_cast<int>(Window::rectangular));
   o.window = static_cast<Window>(window);
+  const int kind = json.at("kind").get<int>();
+  need(kind >= 0 && kind <= static_cast<int>(FeatureKind::lsf));
+  o.kind = static_cast<FeatureKind>(kind);
+  json.at("order").get_to(o.order);
   json.at("frameMs").get_to(o.frameMs);
   json.at("hopMs").get_to(o.hopMs);
   json.at("preEmphasis").get_to(o.preEmphasis);

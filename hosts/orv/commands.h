@@ -12,6 +12,7 @@ void addFeatures(CLI::App &app);
 void addTrain(CLI::App &app);
 void addEvaluate(CLI::App &app);
 void addIdentify(CLI::App &app);
+void addPitch(CLI::App &app);
 
 }  // namespace orv
 

@@ -17,7 +17,7 @@ int fail(const std::string &message) {
 }  // namespace
 
 int main(int argc, char **argv) {
-  CLI::App app("Speech recognition on recordings");
+  CLI::App app("Speech recognition and analysis of recordings");
   app.set_version_flag("--version", std::string("orv, with ") + orvsrGetLibVersion()->name + " " +
                                         orvsrGetLibVersion()->version);
   app.require_subcommand(1);
@@ -25,6 +25,7 @@ int main(int argc, char **argv) {
   orv::addTrain(app);
   orv::addEvaluate(app);
   orv::addIdentify(app);
+  orv::addPitch(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {

@@ -7,7 +7,19 @@ namespace orv {
 void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
   static const std::map<std::string, Window> windows = {
       {"hamming", Window::hamming}, {"hann", Window::hann}, {"rectangular", Window::rectangular}};
+  static const std::map<std::string, FeatureKind> kinds = {{"mfcc", FeatureKind::mfcc},
+                                                           {"fbank", FeatureKind::fbank},
+                                                           {"lpcc", FeatureKind::lpcc},
+                                                           {"lsf", FeatureKind::lsf}};
   const std::string group = "Features";
+  command
+      .add_option("--kind", options.kind,
+                  "mfcc (default): mel cepstra; fbank: log band energies; lpcc: cepstra of a linear "
+                  "predictor; lsf: its line "
+                  "spectrum frequencies")
+      ->transform(CLI::CheckedTransformer(kinds))
+      ->option_text("NAME")
+      ->group(group);
   command.add_option("--frame", options.frameMs, "Length of a frame in ms")
       ->capture_default_str()
       ->group(group);
@@ -32,6 +44,9 @@ void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
       ->capture_default_str()
       ->group(group);
   command.add_option("--lifter", options.lifter, "Parameter of the sinusoidal lifter")
+      ->capture_default_str()
+      ->group(group);
+  command.add_option("--order", options.order, "Order of the linear predictor, even")
       ->capture_default_str()
       ->group(group);
   command

@@ -136,6 +136,61 @@ TEST(FeatureChain, FollowsItsOptions) {
   }
 }
 
+// What the frame of the other kinds holds, before delta and acceleration values.
+std::vector<double> frameValues(FeatureKind kind, const std::vector<float> &samples) {
+  FeatureOptions options;
+  options.kind = kind;
+  options.meanNormalisation = false;
+  FeatureChain chain(options, 8000);
+  Frames features;
+  chain.compute(samples, features);
+  const float *row = features.row(2);
+  return {row, row + features.width / 3};
+}
+
+TEST(FeatureChain, DescribesAFrameInFourWays) {
+  const auto samples = noise(2000, 0.8f, 12);
+  // Mel cepstra are the liftered cosine transform of the log band energies.
+  const auto bands = frameValues(FeatureKind::fbank, samples),
+             cepstra = frameValues(FeatureKind::mfcc, samples);
+  ASSERT_EQ(bands.size(), 24U);
+  for (std::size_t c = 1; c <= 12; ++c) {
+    double sum = 0;
+    const auto i = static_cast<double>(c);
+    for (std::size_t j = 0; j < 24; ++j)
+      sum += bands[j] * std::cos(std::numbers::pi * i * (static_cast<double>(j) + 0.5) / 24);
+    EXPECT_NEAR(cepstra[c - 1], sum * std::sqrt(2.0 / 24) * (1 + 11 * std::sin(std::numbers::pi * i / 22)),
+                2e-3);
+  }
+  // Both descriptions of the predictor give the same response at any frequency.
+  const auto lpcc = frameValues(FeatureKind::lpcc, samples), lsf = frameValues(FeatureKind::lsf, samples);
+  ASSERT_EQ(lpcc.size(), 13U);
+  ASSERT_EQ(lsf.size(), 13U);
+  EXPECT_EQ(lpcc[12], lsf[12]);
+  std::vector<double> a(12);
+  for (std::size_t i = 0; i < 12; ++i) {
+    double sum = 0;
+    for (std::size_t j = 0; j < i; ++j) sum += static_cast<double>(i - j) * lpcc[i - j - 1] * a[j];
+    a[i] = -(lpcc[i] + sum / static_cast<double>(i + 1));
+  }
+  EXPECT_TRUE(lsf[0] > 0 && lsf[11] < std::numbers::pi && std::is_sorted(lsf.begin(), lsf.begin() + 12));
+  for (const double w : {0.3, 1.1, 2.0, 3.0}) {
+    double re = 1, im = 0, p = 1, q = 1;
+    for (std::size_t i = 0; i < 12; ++i) {
+      re += a[i] * std::cos(w * static_cast<double>(i + 1));
+      im -= a[i] * std::sin(w * static_cast<double>(i + 1));
+      (i % 2 == 0 ? p : q) *= 2 * (std::cos(w) - std::cos(lsf[i]));
+    }
+    // |A|^2 = (|P|^2 + |Q|^2) / 4, the two having factors 2 cos(w / 2) and 2 sin(w / 2) of their own.
+    const double power = std::pow(p * std::cos(w / 2), 2) + std::pow(q * std::sin(w / 2), 2);
+    EXPECT_NEAR(power / (re * re + im * im), 1, 0.05) << w;
+  }
+  // A silent frame has the lines of a flat spectrum.
+  const auto silent = frameValues(FeatureKind::lsf, std::vector<float>(2000));
+  for (std::size_t i = 0; i < 12; ++i)
+    EXPECT_NEAR(silent[i], std::numbers::pi * static_cast<double>(i + 1) / 13, 1e-3);
+}
+
 TEST(FeatureChain, LogarithmIsAccurateAndFloored) {
   std::vector<float> values = {0, -1, 1, 1.5f, 0x1p-20f, 3e38f, 0.70710677f, 0.70710683f};
   for (float v = 1e-6f; v < 1e30f; v *= 1.37f) values.push_back(v);
