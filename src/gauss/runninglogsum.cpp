@@ -17,8 +17,7 @@ OrvStatus orvsLogGaussAdd_32f_D2(const float *pSrc, int32_t step, const float *p
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
-                                                      DoubledConstant<float>{},
-                                                      AddLog<Single, LogDomain32f>{pResult, {}});
+                                                      DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
 
@@ -28,8 +27,7 @@ OrvStatus orvsLogGaussAdd_32f_D2L(const float *const *ppSrc, const float *pMean,
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
-                                                      DoubledConstant<float>{},
-                                                      AddLog<Single, LogDomain32f>{pResult, {}});
+                                                      DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
 
@@ -39,8 +37,7 @@ OrvStatus orvsLogGaussAdd_64f_D2(const double *pSrc, int32_t step, const double 
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
-                                                      DoubledConstant<double>{},
-                                                      AddLog<Double, LogDomain64f>{pResult, {}});
+                                                      DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
 
@@ -50,8 +47,7 @@ OrvStatus orvsLogGaussAdd_64f_D2L(const double *const *ppSrc, const double *pMea
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
-                                                      DoubledConstant<double>{},
-                                                      AddLog<Double, LogDomain64f>{pResult, {}});
+                                                      DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
 
@@ -63,7 +59,7 @@ OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, co
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
-                                                         AddLog<Converted, LogDomain32f>{pResult, {}});
+                                                         AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -75,7 +71,7 @@ OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const i
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
-                                                         AddLog<Converted, LogDomain32f>{pResult, {}});
+                                                         AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -87,7 +83,7 @@ OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
-                                                         AddLog<Converted, LogDomain32f>{pResult, {}});
+                                                         AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -99,7 +95,7 @@ OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, cons
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
-                                                         AddLog<Converted, LogDomain32f>{pResult, {}});
+                                                         AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -109,8 +105,7 @@ OrvStatus orvsLogGaussAdd_IdVar_32f_D2(const float *pSrc, int32_t step, const fl
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Single, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
-                                           DoubledConstant<float>{},
-                                           AddLog<Single, LogDomain32f>{pResult, {}});
+                                           DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
 
@@ -120,8 +115,7 @@ OrvStatus orvsLogGaussAdd_IdVar_32f_D2L(const float *const *ppSrc, const float *
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Single, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
-                                           DoubledConstant<float>{},
-                                           AddLog<Single, LogDomain32f>{pResult, {}});
+                                           DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
 
@@ -131,8 +125,7 @@ OrvStatus orvsLogGaussAdd_IdVar_64f_D2(const double *pSrc, int32_t step, const d
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Double, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
-                                           DoubledConstant<double>{},
-                                           AddLog<Double, LogDomain64f>{pResult, {}});
+                                           DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
 
@@ -142,8 +135,7 @@ OrvStatus orvsLogGaussAdd_IdVar_64f_D2L(const double *const *ppSrc, const double
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Double, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
-                                           DoubledConstant<double>{},
-                                           AddLog<Double, LogDomain64f>{pResult, {}});
+                                           DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
 
@@ -155,7 +147,7 @@ OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t ste
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
-                                              AddLog<Converted, LogDomain32f>{pResult, {}});
+                                              AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -167,7 +159,7 @@ OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, co
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
-                                              AddLog<Converted, LogDomain32f>{pResult, {}});
+                                              AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -179,7 +171,7 @@ OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t 
   const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
-                                              AddLog<Converted, LogDomain32f>{pResult, {}});
+                                              AddLog<Converted>(pResult));
   return orvStsNoErr;
 }
 
@@ -191,6 +183,6 @@ OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc,
   const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
-                                              AddLog<Converted, LogDomain32f>{pResult, {}});
+                                              AddLog<Converted>(pResult));
   return orvStsNoErr;
 }

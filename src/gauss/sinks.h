@@ -9,6 +9,7 @@
 #include "core/integer.h"
 #include "core/logadd.h"
 #include "gauss/forms.h"
+#include "orvsr/core.h"
 #include "primitives/memory.h"
 
 namespace orv::gauss {
@@ -59,14 +60,43 @@ struct KeepMaximumWrapped {
   }
 };
 
-// The result grows by the score, in the log domain.
-template <class Form, class Domain>
-struct AddLog {
-  typename Form::Sum *result;
-  Domain domain;
-  void one(std::int32_t r, typename Form::Sum score) const {
-    store(result + r, logAddStep<Grouping::constantFirst>(domain, load(result + r), score));
+inline void addLogs(const float *scores, float *results, std::int32_t count) {
+  orvsLogAdd_32f(scores, results, count, orvAlgHintNone);
+}
+inline void addLogs(const double *scores, double *results, std::int32_t count) {
+  orvsLogAdd_64f(scores, results, count, orvAlgHintNone);
+}
+
+// Each result grows by its score, in the log domain. Scores, which come in the order of the results, wait for
+// one another and are added many at a time.
+template <class Form>
+class AddLog {
+ public:
+  using Sum = typename Form::Sum;
+
+  explicit AddLog(Sum *results) : results_(results) {}
+  AddLog(const AddLog &) = delete;
+  AddLog &operator=(const AddLog &) = delete;
+  ~AddLog() { addWaiting(); }
+
+  void one(std::int32_t, Sum score) {
+    waiting_[count_++] = score;
+    if (count_ == kRoom) addWaiting();
   }
+
+ private:
+  static constexpr int kRoom = 96;
+
+  void addWaiting() {
+    if (count_ == 0) return;
+    addLogs(waiting_, results_, count_);
+    results_ += count_;
+    count_ = 0;
+  }
+
+  Sum *results_;
+  int count_ = 0;
+  Sum waiting_[kRoom];
 };
 
 // The log-sum of all scores, in another grouping of its additions than AddLog's; strictly in the order of the
