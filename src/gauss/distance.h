@@ -72,15 +72,38 @@ inline typename Form::Four termOfFour(const FourRows<T> &rows, std::int32_t j) {
   return (d * d) * read(rows.w);
 }
 
+// Folds elements j to end - 1 one by one. Their terms are taken as whole vectors, the last of which may begin
+// before j.
+template <class Form, Weighting weighting, class Fold, class T>
+[[gnu::always_inline]] inline typename Form::Sum foldInTurn(const Row<T> &row, std::int32_t j,
+                                                            std::int32_t end, typename Form::Sum sum) {
+  constexpr int lanes = Form::Lanes::lanes;
+  const auto [a, b, w] = row;
+  typename Form::Sum t[lanes];
+  if (end < lanes) {
+    for (; j < end; ++j) sum = Fold::fold(sum, term<Form, weighting>(a + j, b + j, w + j));
+    return sum;
+  }
+  for (; end - j >= lanes; j += lanes) {
+    Form::storeLanes(t, terms<Form, weighting>(a + j, b + j, w + j));
+    for (int i = 0; i < lanes; ++i) sum = Fold::fold(sum, t[i]);
+  }
+  if (j < end) {
+    const std::int32_t k = end - lanes;
+    Form::storeLanes(t, terms<Form, weighting>(a + k, b + k, w + k));
+    for (; j < end; ++j) sum = Fold::fold(sum, t[j - k]);
+  }
+  return sum;
+}
+
 template <class Form, Weighting weighting, class Fold, class T>
 inline typename Form::Sum sumRow(const Row<T> &row, std::int32_t len, std::int32_t head,
                                  typename Form::Sum start) {
   using Lanes = typename Form::Lanes;
   constexpr int lanes = Lanes::lanes;
   const auto [a, b, w] = row;
-  typename Form::Sum sum = start;
-  std::int32_t j = 0;
-  for (; j < head; ++j) sum = Fold::fold(sum, term<Form, weighting>(a + j, b + j, w + j));
+  typename Form::Sum sum = foldInTurn<Form, weighting, Fold>(row, 0, head, start);
+  std::int32_t j = head;
   if (len - j >= 8) {
     Lanes low = Form::firstLane(sum);
     Lanes high = Form::firstLane(0);
@@ -92,8 +115,7 @@ inline typename Form::Sum sumRow(const Row<T> &row, std::int32_t len, std::int32
       }
     sum = sumLanes(low + high);
   }
-  for (; j < len; ++j) sum = Fold::fold(sum, term<Form, weighting>(a + j, b + j, w + j));
-  return sum;
+  return foldInTurn<Form, weighting, Fold>(row, j, len, sum);
 }
 
 // Which elements of a row are folded outside its vectors: fewer than a vector before them, or after them.

@@ -27,6 +27,7 @@ struct Single {
   static Lanes weights(const Elem *p) { return values(p); }
   static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
   static Lanes firstLane(Sum v) { return simd::firstLane4(v); }
+  static void storeLanes(Sum *p, Lanes v) { simd::store4(p, v); }
   static Four four(Sum a, Sum b, Sum c, Sum d) { return simd::pack4(a, b, c, d); }
   static Four splat(Sum v) { return simd::splat4(v); }
   static Four loadFour(const Sum *p) { return simd::load4(p); }
@@ -60,6 +61,7 @@ struct Double {
   static Lanes weights(const Elem *p) { return values(p); }
   static Lanes differences(const Elem *a, const Elem *b) { return values(a) - values(b); }
   static Lanes firstLane(Sum v) { return simd::firstLane2(v); }
+  static void storeLanes(Sum *p, Lanes v) { simd::store2(p, v); }
   static Four four(Sum a, Sum b, Sum c, Sum d) { return {simd::pack2(a, b), simd::pack2(c, d)}; }
   static Four splat(Sum v) { return {simd::splat2(v), simd::splat2(v)}; }
   static Four loadFour(const Sum *p) { return {simd::load2(p), simd::load2(p + 2)}; }

@@ -151,15 +151,26 @@ OrvStatus orvsLogGaussSingle_IdVarLowScaled_16s32f(const int16_t *pSrc, const in
 
 namespace {
 
-// The sum of squared differences over variances, strictly from first to last. A zero variance ends it with
-// the warning of a division by zero, and callers then write nothing, though the sum would be infinite.
+// The sum of squared differences over variances, strictly from first to last; quotients are taken as vectors.
+// A zero variance ends it with the warning of a division by zero, and callers then write nothing, though the
+// sum would be infinite.
 template <class Form>
 OrvStatus sumQuotients(const Row<typename Form::Elem> &row, std::int32_t len, typename Form::Sum &sum) {
+  using Lanes = typename Form::Lanes;
+  const auto [a, b, w] = row;
   sum = 0;
-  for (std::int32_t j = 0; j < len; ++j) {
-    const typename Form::Sum variance = Form::value(row.w + j);
+  std::int32_t j = 0;
+  for (; len - j >= Lanes::lanes; j += Lanes::lanes) {
+    const Lanes variances = Form::weights(w + j);
+    if (signs(variances == Form::firstLane(0)) != 0) return orvStsDivByZeroWrn;
+    typename Form::Sum quotients[Lanes::lanes];
+    Form::storeLanes(quotients, terms<Form, Weighting::none>(a + j, b + j, w + j) / variances);
+    for (const typename Form::Sum quotient : quotients) sum += quotient;
+  }
+  for (; j < len; ++j) {
+    const typename Form::Sum variance = Form::value(w + j);
     if (variance == 0) return orvStsDivByZeroWrn;
-    sum += term<Form, Weighting::none>(row.a + j, row.b + j, row.w + j) / variance;
+    sum += term<Form, Weighting::none>(a + j, b + j, w + j) / variance;
   }
   return orvStsNoErr;
 }

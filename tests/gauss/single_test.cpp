@@ -319,7 +319,7 @@ TYPED_TEST(SingleVector, ZeroVarianceIsAWarningThatWritesNothing) {
   const std::vector<T> zeros(9);
   for (const auto &member : members<T, R>()) {
     if (member.weight != Weight::direct) continue;
-    for (const std::size_t place : {0U, 8U})
+    for (const std::size_t place : {0U, 3U, 4U, 8U})
       for (const T zero : {T{0}, static_cast<T>(-T{0})}) {
         std::vector<T> var(9, 1);
         var[place] = zero;
