@@ -42,6 +42,16 @@ inline OrvStatus checkPointersFirst(std::int32_t featLen, std::int32_t step, std
   return orvStsNoErr;
 }
 
+// Pointers, sizes, stride: two running maxima over many Gaussians.
+template <class... Pointers>
+inline OrvStatus checkStrideLast(std::int32_t featLen, std::int32_t step, std::int32_t rows,
+                                 const Pointers *...pointers) {
+  if (anyNull(pointers...)) return orvStsNullPtrErr;
+  if (featLen < 1 || rows < 1) return orvStsSizeErr;
+  if (featLen > step) return orvStsStrideErr;
+  return orvStsNoErr;
+}
+
 // Pointers, sizes: all `_D2L` members. The row pointers themselves are not looked at.
 template <class... Pointers>
 inline OrvStatus checkRowPointers(std::int32_t featLen, std::int32_t rows, const Pointers *...pointers) {

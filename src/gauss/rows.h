@@ -67,15 +67,17 @@ struct FrameBlock {
 };
 
 // One vector against many Gaussians: means and weights are rows, the vector is shared. Without weighting,
-// weights are the means as well. With a row step the weights decide; with row pointers the families differ.
-enum class Deciding { vector, weights };
+// weights are the means as well. With a row step the weights decide; with row pointers the families differ:
+// the vector, the weights, or the weights of rows taken singly and the vector for groups.
+enum class Deciding { vector, weights, weightsOfSingleRows };
 
 template <class Rows, Deciding withPointers = Deciding::vector>
 struct ComponentBlock {
   using Elem = typename Rows::Elem;
-  static constexpr bool byWeights = Rows::strided || withPointers == Deciding::weights;
+  static constexpr bool oneByWeights = Rows::strided || withPointers != Deciding::vector;
+  static constexpr bool fourByWeights = Rows::strided || withPointers == Deciding::weights;
   static constexpr bool twoGroups = false;
-  static constexpr bool oneHead = Rows::strided || !byWeights;
+  static constexpr bool oneHead = Rows::strided || !fourByWeights;
   Rows means;
   Rows weights;
   const Elem *vector;
@@ -89,8 +91,8 @@ struct ComponentBlock {
   bool aligned(std::int32_t r) const {
     return means.alignedWith(vector, r) && weights.alignedWith(vector, r);
   }
-  const Elem *decidingOne(std::int32_t r) const { return byWeights ? weights.row(r) : vector; }
-  const Elem *decidingFour(std::int32_t r) const { return byWeights ? weights.row(r + 3) : vector; }
+  const Elem *decidingOne(std::int32_t r) const { return oneByWeights ? weights.row(r) : vector; }
+  const Elem *decidingFour(std::int32_t r) const { return fourByWeights ? weights.row(r + 3) : vector; }
 };
 
 // The gconst of a row: one for all, or one each.
