@@ -1226,6 +1226,689 @@ ORV_API OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2L(const int16_t *p
 
 /** @} */
 
+/**
+ * @defgroup loggaussmultimix Scores of one vector under many Gaussians
+ *
+ *     score[m] = gconst[m] - 1/2 * sum over j of (pSrc[j] - mean[m][j])^2 * var[m][j]
+ *                                            m = 0 .. count - 1,  j = 0 .. featLen - 1
+ *
+ * pSrcDst[m] is gconst[m] on entry and score[m] on return.
+ *
+ * Arguments:
+ * - pMean, pVar, step: count rows of means and of inverse variances, a row of either every step elements
+ *   (step >= featLen); or ppMean, ppVar: count pointers each to rows of featLen values, not tested for null.
+ * Inverse variances are not tested: a negative one or a NaN flows through.
+ * - pSrc: the vector, featLen values.
+ * - featLen: values in a vector, 1 or more.
+ * - pSrcDst: count values, read and written: the additive constant of each Gaussian (the log of its mixture
+ * weight less half of the constant that orvsUpdateGConst_32f() computes), replaced by its score.
+ * - count: number of Gaussians, 1 or more.
+ * - scaleFactor: of the integer and 16s forms, any value: 2^-scaleFactor scales the sum.
+ *
+ * Gaussians are taken in groups of four, then one by one, and sums are formed as in @ref loggauss; the
+ * deciding pointer is the fourth variance row of a group (pSrc with row pointers), and the own variance row
+ * of a Gaussian left over. Saturation is silent.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Scores of a 32f vector; Gaussians in matrices with a row step, in 32f.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
+                                              const float *pSrc, int32_t featLen, float *pSrcDst,
+                                              int32_t count);
+
+/**
+ * Scores of a 32f vector; Gaussians in row pointers, in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
+                                               const float *pSrc, int32_t featLen, float *pSrcDst,
+                                               int32_t count);
+
+/**
+ * Scores of a 64f vector; Gaussians in matrices with a row step, in 64f.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
+                                              const double *pSrc, int32_t featLen, double *pSrcDst,
+                                              int32_t count);
+
+/**
+ * Scores of a 64f vector; Gaussians in row pointers, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
+                                               const double *pSrc, int32_t featLen, double *pSrcDst,
+                                               int32_t count);
+
+/**
+ * Scores of a 16s vector; Gaussians in matrices with a row step. With S the exact 64-bit sum of a Gaussian,
+ * pSrcDst[m] - (S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar, int32_t step,
+                                                    const int16_t *pSrc, int32_t featLen, int32_t *pSrcDst,
+                                                    int32_t count, int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in row pointers. With S the exact 64-bit sum of a Gaussian, pSrcDst[m] -
+ * (S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_16s32s_D2LSfs(const int16_t *const *ppMean,
+                                                     const int16_t *const *ppVar, const int16_t *pSrc,
+                                                     int32_t featLen, int32_t *pSrcDst, int32_t count,
+                                                     int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in matrices with a row step. With S the exact 64-bit sum of a Gaussian,
+ * pSrcDst[m] - (S >> (scaleFactor + 1)), of which the low 32 bits are stored: beyond 32 bits the score
+ * wraps.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_Low_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar,
+                                                        int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                        int32_t *pSrcDst, int32_t count, int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in row pointers. With S the exact 64-bit sum of a Gaussian, pSrcDst[m] -
+ * (S >> (scaleFactor + 1)), of which the low 32 bits are stored: beyond 32 bits the score wraps.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_Low_16s32s_D2LSfs(const int16_t *const *ppMean,
+                                                         const int16_t *const *ppVar, const int16_t *pSrc,
+                                                         int32_t featLen, int32_t *pSrcDst, int32_t count,
+                                                         int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in matrices with a row step. With S the 32f sum of a Gaussian, its score
+ * is pSrcDst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar,
+                                                        int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                        float *pSrcDst, int32_t count, int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in row pointers. With S the 32f sum of a Gaussian, its score is
+ * pSrcDst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean,
+                                                         const int16_t *const *ppVar, const int16_t *pSrc,
+                                                         int32_t featLen, float *pSrcDst, int32_t count,
+                                                         int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in matrices with a row step. With S the 32f sum of a Gaussian, its score
+ * is pSrcDst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar,
+                                                           int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                           float *pSrcDst, int32_t count,
+                                                           int32_t scaleFactor);
+
+/**
+ * Scores of a 16s vector; Gaussians in row pointers. With S the 32f sum of a Gaussian, its score is
+ * pSrcDst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppMean,
+                                                            const int16_t *const *ppVar, const int16_t *pSrc,
+                                                            int32_t featLen, float *pSrcDst, int32_t count,
+                                                            int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup loggaussmaxmultimix Running maxima of the scores of one vector under many Gaussians
+ *
+ *     pSrcDst[m] = max(pSrcDst[m], score[m])                                       m = 0 .. count - 1
+ *
+ * with the scores of @ref loggaussmultimix and the additive constants in an array of their own. A NaN score
+ * leaves pSrcDst[m] as it is. The integer members shift the negated sum, which rounds the score down, where
+ * those of
+ * @ref loggaussmultimix round it up.
+ *
+ * Arguments:
+ * - pMean, pVar, step: count rows of means and of inverse variances, a row of either every step elements
+ *   (step >= featLen); or ppMean, ppVar: count pointers each to rows of featLen values, not tested for null.
+ * Inverse variances are not tested: a negative one or a NaN flows through.
+ * - pSrc: the vector, featLen values.
+ * - featLen: values in a vector, 1 or more.
+ * - pGConst: count additive constants.
+ * - pSrcDst: count running maxima, read and written.
+ * - count: number of Gaussians, 1 or more.
+ * - scaleFactor: of the integer and 16s forms, any value: 2^-scaleFactor scales the sum.
+ *
+ * The Scaled and LowScaled members with a row step test the stride last, all others with a row step test it
+ * first.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Running maxima of the scores of a 32f vector; Gaussians in matrices with a row step, in 32f.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
+                                                 const float *pSrc, int32_t featLen, const float *pGConst,
+                                                 float *pSrcDst, int32_t count);
+
+/**
+ * Running maxima of the scores of a 32f vector; Gaussians in row pointers, in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
+                                                  const float *pSrc, int32_t featLen, const float *pGConst,
+                                                  float *pSrcDst, int32_t count);
+
+/**
+ * Running maxima of the scores of a 64f vector; Gaussians in matrices with a row step, in 64f.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
+                                                 const double *pSrc, int32_t featLen, const double *pGConst,
+                                                 double *pSrcDst, int32_t count);
+
+/**
+ * Running maxima of the scores of a 64f vector; Gaussians in row pointers, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
+                                                  const double *pSrc, int32_t featLen, const double *pGConst,
+                                                  double *pSrcDst, int32_t count);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in matrices with a row step. With S the exact
+ * 64-bit sum of a Gaussian, its score is pGConst[m] + (-S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar,
+                                                       int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                       const int32_t *pGConst, int32_t *pSrcDst,
+                                                       int32_t count, int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in row pointers. With S the exact 64-bit sum of a
+ * Gaussian, its score is pGConst[m] + (-S >> (scaleFactor + 1)), saturated to 32 bits.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_16s32s_D2LSfs(const int16_t *const *ppMean,
+                                                        const int16_t *const *ppVar, const int16_t *pSrc,
+                                                        int32_t featLen, const int32_t *pGConst,
+                                                        int32_t *pSrcDst, int32_t count, int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in matrices with a row step. With S the exact
+ * 64-bit sum of a Gaussian, its score is pGConst[m] + (-S >> (scaleFactor + 1)), compared in 64 bits and,
+ * where it is not less, stored in its low 32 bits, which wrap.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_Low_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar,
+                                                           int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                           const int32_t *pGConst, int32_t *pSrcDst,
+                                                           int32_t count, int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in row pointers. With S the exact 64-bit sum of a
+ * Gaussian, its score is pGConst[m] + (-S >> (scaleFactor + 1)), compared in 64 bits and, where it is not
+ * less, stored in its low 32 bits, which wrap.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_Low_16s32s_D2LSfs(const int16_t *const *ppMean,
+                                                            const int16_t *const *ppVar, const int16_t *pSrc,
+                                                            int32_t featLen, const int32_t *pGConst,
+                                                            int32_t *pSrcDst, int32_t count,
+                                                            int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in matrices with a row step. With S the 32f sum of
+ * a Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1). The stride is tested last here.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsStrideErr (featLen above step),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar,
+                                                           int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                           const float *pGConst, float *pSrcDst,
+                                                           int32_t count, int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in row pointers. With S the 32f sum of a Gaussian,
+ * its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean,
+                                                            const int16_t *const *ppVar, const int16_t *pSrc,
+                                                            int32_t featLen, const float *pGConst,
+                                                            float *pSrcDst, int32_t count,
+                                                            int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in matrices with a row step. With S the 32f sum of
+ * a Gaussian, its score is pGConst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once. The
+ * stride is tested last here.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsStrideErr (featLen above step),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar,
+                                                              int32_t step, const int16_t *pSrc,
+                                                              int32_t featLen, const float *pGConst,
+                                                              float *pSrcDst, int32_t count,
+                                                              int32_t scaleFactor);
+
+/**
+ * Running maxima of the scores of a 16s vector; Gaussians in row pointers. With S the 32f sum of a Gaussian,
+ * its score is pGConst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppMean,
+                                                               const int16_t *const *ppVar,
+                                                               const int16_t *pSrc, int32_t featLen,
+                                                               const float *pGConst, float *pSrcDst,
+                                                               int32_t count, int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup loggaussaddmultimix Running log-sums of the scores of one vector under many Gaussians
+ *
+ *     pSrcDst[m] = log(exp(pSrcDst[m]) + exp(score[m]))                            m = 0 .. count - 1
+ *
+ * with the scores of @ref loggaussmultimix, added by accurate log-addition (see @ref logadd) in the type of
+ * the result: the smaller term is dropped where it lies further below than the drop threshold, and only then
+ * is the result raised to the floor (-4.5e6; for 64f, -1e10 below -9e9).
+ *
+ * Arguments:
+ * - pMean, pVar, step: count rows of means and of inverse variances, a row of either every step elements
+ *   (step >= featLen); or ppMean, ppVar: count pointers each to rows of featLen values, not tested for null.
+ * Inverse variances are not tested: a negative one or a NaN flows through.
+ * - pSrc: the vector, featLen values.
+ * - featLen: values in a vector, 1 or more.
+ * - pGConst: count additive constants.
+ * - pSrcDst: count running log-sums, read and written.
+ * - count: number of Gaussians, 1 or more.
+ * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum.
+ *
+ * Gaussians are taken one by one; the deciding pointer of a sum is the own variance row.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/**
+ * Running log-sums of the scores of a 32f vector; Gaussians in matrices with a row step, in 32f.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
+                                                 const float *pSrc, int32_t featLen, const float *pGConst,
+                                                 float *pSrcDst, int32_t count);
+
+/**
+ * Running log-sums of the scores of a 32f vector; Gaussians in row pointers, in 32f.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
+                                                  const float *pSrc, int32_t featLen, const float *pGConst,
+                                                  float *pSrcDst, int32_t count);
+
+/**
+ * Running log-sums of the scores of a 64f vector; Gaussians in matrices with a row step, in 64f.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
+                                                 const double *pSrc, int32_t featLen, const double *pGConst,
+                                                 double *pSrcDst, int32_t count);
+
+/**
+ * Running log-sums of the scores of a 64f vector; Gaussians in row pointers, in 64f.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
+                                                  const double *pSrc, int32_t featLen, const double *pGConst,
+                                                  double *pSrcDst, int32_t count);
+
+/**
+ * Running log-sums of the scores of a 16s vector; Gaussians in matrices with a row step. With S the 32f sum
+ * of a Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar,
+                                                           int32_t step, const int16_t *pSrc, int32_t featLen,
+                                                           const float *pGConst, float *pSrcDst,
+                                                           int32_t count, int32_t scaleFactor);
+
+/**
+ * Running log-sums of the scores of a 16s vector; Gaussians in row pointers. With S the 32f sum of a
+ * Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean,
+                                                            const int16_t *const *ppVar, const int16_t *pSrc,
+                                                            int32_t featLen, const float *pGConst,
+                                                            float *pSrcDst, int32_t count,
+                                                            int32_t scaleFactor);
+
+/**
+ * Running log-sums of the scores of a 16s vector; Gaussians in matrices with a row step. With S the 32f sum
+ * of a Gaussian, its score is pGConst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsStrideErr (featLen above step), orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar,
+                                                              int32_t step, const int16_t *pSrc,
+                                                              int32_t featLen, const float *pGConst,
+                                                              float *pSrcDst, int32_t count,
+                                                              int32_t scaleFactor);
+
+/**
+ * Running log-sums of the scores of a 16s vector; Gaussians in row pointers. With S the 32f sum of a
+ * Gaussian, its score is pGConst[m] - S * factor with factor = 2^-scaleFactor * 0.5, formed once.
+ * orvStsNullPtrErr, orvStsSizeErr (featLen or count below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppMean,
+                                                               const int16_t *const *ppVar,
+                                                               const int16_t *pSrc, int32_t featLen,
+                                                               const float *pGConst, float *pSrcDst,
+                                                               int32_t count, int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup loggaussselect Scores of frames under the selected Gaussians of a mixture
+ *
+ *     pResult[f] = log(sum over the selected m of exp(score[f][m]))       f = 0 .. frames - 1,  m = 0 .. nMix
+ * - 1 score[f][m] = pGConst[m] - 1/2 * sum over j of (x[f][j] - mean[m][j])^2 * var[m][j]
+ *
+ * A shortlist says which Gaussians are worth scoring on each frame: m is selected on frame f if bit m of row
+ * f is set. Scores are those of orvsLogGaussSingle_32f() and its kin. On each frame the selected Gaussians
+ * enter in ascending order: the first as it is, each further one by orvsLogAdd_32f() on its accurate path,
+ * with its drop threshold and floor. A frame with one bit set has that Gaussian's score, without a floor; a
+ * frame with no bit set has defaultValue. A frame counts its Gaussians in 16 bits: the one after each 65536
+ * starts the frame anew, and a frame with a multiple of 65536 bits set has defaultValue.
+ *
+ * Arguments:
+ * - pSrc, pMean, pVar, step: frames rows of featLen values, and nMix rows of means and of inverse variances,
+ * a row of any of them every step elements (step >= featLen); or ppSrc, ppMean, ppVar: as many pointers to
+ * rows of featLen values, every one of which is tested for null. The IdVar forms take all variances as 1 and
+ * have no such argument.
+ * - featLen: values in a frame, 1 or more.
+ * - pGConst: nMix additive constants.
+ * - pBits: the shortlist: frames rows of (nMix + 7) / 8 bytes, one behind the other; Gaussian m is bit 128 >>
+ * m % 8 of byte m / 8. Bits from nMix on do not matter.
+ * - nMix: number of Gaussians, 1 or more.
+ * - pResult: frames scores, written. Only orvsLogGaussMixture_Select_32f_D2() tests it for null.
+ * - frames: number of frames, 1 or more.
+ * - scaleFactor: of the 16s forms, any value.
+ * - defaultValue: score of a frame without a selected Gaussian.
+ *
+ * Source of the method: E. Bocchieri, Vector quantization for the efficient computation of continuous density
+ * likelihoods, ICASSP 1993, section 3.
+ * @{
+ */
+
+/**
+ * Scores of 32f frames; rows in matrices with a row step, inverse variances.
+ * orvStsNullPtrErr (pSrc, pMean, pVar, pGConst, pBits, pResult), orvStsSizeErr (featLen, nMix or frames
+ * below 1), orvStsStrideErr (featLen above step), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_Select_32f_D2(const float *pSrc, const float *pMean, const float *pVar,
+                                                    int32_t step, int32_t featLen, const float *pGConst,
+                                                    const uint8_t *pBits, int32_t nMix, float *pResult,
+                                                    int32_t frames, float defaultValue);
+
+/**
+ * Scores of 32f frames; rows in row pointers, inverse variances.
+ * orvStsNullPtrErr (ppSrc, ppMean, ppVar, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsNullPtrErr (a row), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_Select_32f_D2L(const float *const *ppSrc, const float *const *ppMean,
+                                                     const float *const *ppVar, int32_t featLen,
+                                                     const float *pGConst, const uint8_t *pBits, int32_t nMix,
+                                                     float *pResult, int32_t frames, float defaultValue);
+
+/**
+ * Scores of 32f frames; rows in matrices with a row step, unit variances.
+ * orvStsNullPtrErr (pSrc, pMean, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsStrideErr (featLen above step), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_SelectIdVar_32f_D2(const float *pSrc, const float *pMean, int32_t step,
+                                                         int32_t featLen, const float *pGConst,
+                                                         const uint8_t *pBits, int32_t nMix, float *pResult,
+                                                         int32_t frames, float defaultValue);
+
+/**
+ * Scores of 32f frames; rows in row pointers, unit variances.
+ * orvStsNullPtrErr (ppSrc, ppMean, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsNullPtrErr (a row), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_SelectIdVar_32f_D2L(const float *const *ppSrc,
+                                                          const float *const *ppMean, int32_t featLen,
+                                                          const float *pGConst, const uint8_t *pBits,
+                                                          int32_t nMix, float *pResult, int32_t frames,
+                                                          float defaultValue);
+
+/**
+ * Scores of 16s frames; rows in matrices with a row step, inverse variances. With S the 32f sum of a frame
+ * under a Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr (pSrc, pMean, pVar, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsStrideErr (featLen above step), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_SelectScaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean,
+                                                             const int16_t *pVar, int32_t step,
+                                                             int32_t featLen, const float *pGConst,
+                                                             const uint8_t *pBits, int32_t nMix,
+                                                             float *pResult, int32_t frames,
+                                                             int32_t scaleFactor, float defaultValue);
+
+/**
+ * Scores of 16s frames; rows in row pointers, inverse variances. With S the 32f sum of a frame under a
+ * Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr (ppSrc, ppMean, ppVar, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsNullPtrErr (a row), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_SelectScaled_16s32f_D2L(const int16_t *const *ppSrc,
+                                                              const int16_t *const *ppMean,
+                                                              const int16_t *const *ppVar, int32_t featLen,
+                                                              const float *pGConst, const uint8_t *pBits,
+                                                              int32_t nMix, float *pResult, int32_t frames,
+                                                              int32_t scaleFactor, float defaultValue);
+
+/**
+ * Scores of 16s frames; rows in matrices with a row step, unit variances. With S the 32f sum of a frame
+ * under a Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr (pSrc, pMean, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsStrideErr (featLen above step), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_SelectIdVarScaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean,
+                                                                  int32_t step, int32_t featLen,
+                                                                  const float *pGConst, const uint8_t *pBits,
+                                                                  int32_t nMix, float *pResult,
+                                                                  int32_t frames, int32_t scaleFactor,
+                                                                  float defaultValue);
+
+/**
+ * Scores of 16s frames; rows in row pointers, unit variances. With S the 32f sum of a frame under a
+ * Gaussian, its score is pGConst[m] - S * 2^-(scaleFactor + 1).
+ * orvStsNullPtrErr (ppSrc, ppMean, pGConst, pBits), orvStsSizeErr (featLen, nMix or frames below 1),
+ * orvStsNullPtrErr (a row), orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsLogGaussMixture_SelectIdVarScaled_16s32f_D2L(const int16_t *const *ppSrc,
+                                                                   const int16_t *const *ppMean,
+                                                                   int32_t featLen, const float *pGConst,
+                                                                   const uint8_t *pBits, int32_t nMix,
+                                                                   float *pResult, int32_t frames,
+                                                                   int32_t scaleFactor, float defaultValue);
+
+/** @} */
+
+/**
+ * @defgroup shortlist Shortlists and sign tables
+ *
+ * Rows of bits in arrays of bytes; bit b of a row is bit 128 >> b % 8 of its byte b / 8.
+ *
+ * The orvsFillShortlist forms toggle the bits that lists of indices name: rows are not cleared first, and an
+ * index listed twice cancels itself. A caller who wants the listed bits set clears the rows. All indices are
+ * tested before a bit is changed.
+ *
+ * Arguments:
+ * - pIndices: the lists of indices, one behind the other.
+ * - perRow, perColumn: indices in each list, 1 or more; or pCounts: the count of each list, 1 or more each.
+ * - ppDst: pointers to rows rows, not tested for null; read and written.
+ * - width, columns: bits of a row that indices may name, or that have a list, 1 or more.
+ * - rowBytes: bytes of a row, at least (bitOffset + width + 7) / 8, or the same of columns.
+ * - bitOffset: where in a row the first of these bits stands, 0 or more.
+ * @{
+ */
+
+/**
+ * Toggles bit bitOffset + i of row r for each of the perRow indices i, 0 .. width - 1, at pIndices + r *
+ * perRow. orvStsNullPtrErr, orvStsSizeErr (rows, width, rowBytes or perRow below 1, bitOffset below 0),
+ * orvStsStrideErr (rowBytes too small), orvStsBadArgErr (an index out of range; nothing is changed),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFillShortlist_Row_1u(const int32_t *pIndices, int32_t width, int32_t perRow,
+                                           uint8_t *const *ppDst, int32_t rows, int32_t rowBytes,
+                                           int32_t bitOffset);
+
+/**
+ * The same with pCounts[r] indices for row r.
+ * orvStsNullPtrErr, orvStsSizeErr (rows, width or rowBytes below 1, bitOffset below 0, then a count below 1),
+ * orvStsStrideErr (rowBytes too small), orvStsBadArgErr (an index out of range; nothing is changed),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFillShortlist_RowVar_1u(const int32_t *pIndices, const int32_t *pCounts, int32_t width,
+                                              uint8_t *const *ppDst, int32_t rows, int32_t rowBytes,
+                                              int32_t bitOffset);
+
+/**
+ * Toggles bit bitOffset + c of row i for each of the perColumn indices i, 0 .. rows - 1, at
+ * pIndices + c * perColumn.
+ * orvStsNullPtrErr, orvStsSizeErr (rows, columns, rowBytes or perColumn below 1, bitOffset below 0),
+ * orvStsStrideErr (rowBytes too small), orvStsBadArgErr (an index out of range; nothing is changed),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFillShortlist_Column_1u(const int32_t *pIndices, int32_t perColumn,
+                                              uint8_t *const *ppDst, int32_t rows, int32_t rowBytes,
+                                              int32_t bitOffset, int32_t columns);
+
+/**
+ * The same with pCounts[c] indices for column c.
+ * orvStsNullPtrErr, orvStsSizeErr (rows, columns or rowBytes below 1, bitOffset below 0), orvStsStrideErr
+ * (rowBytes too small), orvStsSizeErr (a count below 1), orvStsBadArgErr (an index out of range; nothing is
+ * changed), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsFillShortlist_ColumnVar_1u(const int32_t *pIndices, const int32_t *pCounts,
+                                                 uint8_t *const *ppDst, int32_t rows, int32_t rowBytes,
+                                                 int32_t bitOffset, int32_t columns);
+
+/**
+ * Each output row is the union of table rows: bit b, 0 .. bits - 1, of row r is set if bit bitOffset + b is
+ * set in any of the perRow table rows whose numbers, 0 .. tableRows - 1, stand at pIndices + r * perRow.
+ * ppTable: tableRows pointers to rows of rowBytes bytes, not tested for null; rowBytes at least (bitOffset +
+ * bits + 7) / 8. pDst: rows rows of (bits + 7) / 8 bytes, written; bits from bits on are 0. orvStsNullPtrErr,
+ * orvStsSizeErr (perRow, tableRows, rowBytes, bits or rows below 1, bitOffset below 0), orvStsStrideErr
+ * (rowBytes too small), orvStsBadArgErr (a row number out of range), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsBuildSignTable_8u1u(const uint8_t *pIndices, int32_t perRow,
+                                          const uint8_t *const *ppTable, int32_t tableRows, int32_t rowBytes,
+                                          int32_t bitOffset, uint8_t *pDst, int32_t rows, int32_t bits);
+
+/**
+ * Each output row is one flag: the first bit of row r tells whether any of the bits bitOffset .. bitOffset +
+ * bits - 1 is set in any of the table rows that the first pCounts[r] entries of pIndices number; all other
+ * bits are 0. Every row reads the list from its first entry, though the row numbers of as many entries as all
+ * counts together are tested. Other arguments as in orvsBuildSignTable_8u1u(). orvStsNullPtrErr,
+ * orvStsSizeErr (tableRows, rowBytes, bits or rows below 1, bitOffset below 0, then a count below 1),
+ * orvStsStrideErr (rowBytes too small), orvStsBadArgErr (a row number out of range), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsBuildSignTable_Var_8u1u(const uint8_t *pIndices, const int32_t *pCounts,
+                                              const uint8_t *const *ppTable, int32_t tableRows,
+                                              int32_t rowBytes, int32_t bitOffset, uint8_t *pDst,
+                                              int32_t rows, int32_t bits);
+
+/** @} */
+
+/**
+ * @defgroup scoretools Rank, row sums and language model scores
+ * @{
+ */
+
+/**
+ * Sum of chosen rows of a matrix, in 32f, from value through the rows in their order:
+ *
+ *     pDst[c] = value + sum over i of pSrc[(pIndex[i] + pIndexAdd[i]) * step + offset + c]
+ *                                                          c = 0 .. len - 1,  i = 0 .. count - 1
+ *
+ * pSrc: height rows, one every step elements (step >= offset + len). pIndex, pIndexAdd: count values each,
+ * whose sums are row numbers in 0 .. height - 1; a row may be chosen more than once. pDst: len values,
+ * written. orvStsNullPtrErr, orvStsSizeErr (count, height or len below 1, offset below 0), orvStsStrideErr
+ * (offset + len above step), orvStsSizeErr (a row number out of range; nothing is written), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsAddNRows_32f_D2(const float *pSrc, int32_t height, int32_t offset, int32_t step,
+                                      const int32_t *pIndex, const uint16_t *pIndexAdd, int32_t count,
+                                      float *pDst, int32_t len, float value);
+
+/**
+ * The element of rank n of a vector in descending order: n = 0 gives the maximum, n = len - 1 the minimum,
+ * and equal values count separately. pSrc: len values, left as they are. pResult: one value. Quickselect on a
+ * copy, with the first element as the pivot: the time is proportional to len on values in no order, and to
+ * its square on sorted ones. Source of the method: C. A. R. Hoare, Algorithm 65: Find, Communications of the
+ * ACM 4 (7), 1961. orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsBadArgErr (n outside 0 .. len - 1),
+ * orvStsMemAllocErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsNthMaxElement_32f(const float *pSrc, int32_t len, int32_t n, float *pResult);
+
+/**
+ * The same of 32s values.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsBadArgErr (n outside 0 .. len - 1), orvStsMemAllocErr,
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsNthMaxElement_32s(const int32_t *pSrc, int32_t len, int32_t n, int32_t *pResult);
+
+/**
+ * The same of 64f values.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsBadArgErr (n outside 0 .. len - 1), orvStsMemAllocErr,
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsNthMaxElement_64f(const double *pSrc, int32_t len, int32_t n, double *pResult);
+
+/**
+ * Language model scores to the scale of acoustic ones: pDst[i] = max(pSrc[i], floor) * scale + offset for i
+ * in 0 .. len - 1, in 32f; a NaN counts as the floor. pDst may be pSrc. orvStsNullPtrErr, orvStsSizeErr (len
+ * below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsScaleLM_32f(const float *pSrc, float *pDst, int32_t len, float floor, float scale,
+                                  float offset);
+
+/**
+ * The same of 16s values, in 32-bit integers that wrap: there is no saturation. pDst must not overlap pSrc.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsScaleLM_16s32s(const int16_t *pSrc, int32_t *pDst, int32_t len, int16_t floor,
+                                     int16_t scale, int32_t offset);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

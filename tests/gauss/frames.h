@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "gauss/reference.h"
+#include "support/logdomain.h"
 
 namespace orv::test {
 
@@ -127,6 +128,77 @@ struct FrameFamily {
   std::function<R(const FrameCase<T, R> &, Random &)> before;
   std::function<R(const FrameCase<T, R> &, R before)> after;
 };
+
+// With whole numbers the groups make no difference, and the formula alone must give the same.
+template <class T, class R>
+FrameFamily<T, R> scoreFamily() {
+  return {true, [](const FrameCase<T, R> &, Random &) { return R{77}; },
+          [](const FrameCase<T, R> &c, R) {
+            if constexpr (std::is_same_v<R, std::int32_t>) {
+              return exactScore(exactSum(c), c.gconst, c.scaleFactor, c.low);
+            } else {
+              const R score = frameScore(c, c.low);
+              if (std::is_integral_v<T> || c.mean[0] != std::trunc(c.mean[0])) return score;
+              double sum = 0;
+              for (std::size_t j = 0; j < c.mean.size(); ++j)
+                sum += std::pow(static_cast<double>(c.frame[j] - c.mean[j]), 2) *
+                       static_cast<double>(c.var.empty() ? T{1} : c.var[j]);
+              EXPECT_EQ(score, static_cast<R>(static_cast<double>(c.gconst) - sum / 2));
+              return score;
+            }
+          }};
+}
+
+// gconst + (-sum >> (scaleFactor + 1)), rounded down, in 64 bits.
+inline std::int64_t negatedScore(std::int64_t sum, std::int32_t gconst, std::int32_t scaleFactor) {
+  return wrappedSum(gconst, shifted(-sum, std::int64_t{scaleFactor} + 1));
+}
+
+// Results stand just above, at and just below the score, and far from it.
+template <class T, class R>
+FrameFamily<T, R> maxFamily() {
+  if constexpr (std::is_integral_v<R>) {
+    return {true,
+            [](const FrameCase<T, R> &c, Random &random) {
+              const std::int64_t score = saturated(negatedScore(exactSum(c), c.gconst, c.scaleFactor));
+              const std::int64_t choices[] = {INT32_MIN, score - 1, score, score + 1,
+                                              static_cast<std::int32_t>(random())};
+              return saturated(choices[random() % 5]);
+            },
+            [](const FrameCase<T, R> &c, R before) {
+              const std::int64_t score = negatedScore(exactSum(c), c.gconst, c.scaleFactor);
+              if (c.low) return score >= before ? static_cast<R>(score) : before;
+              return std::max(before, saturated(score));
+            }};
+  } else {
+    return {true,
+            [](const FrameCase<T, R> &c, Random &random) {
+              const R score = frameScore(c, c.low);
+              const R least = std::numeric_limits<R>::lowest();
+              const R choices[] = {std::nextafter(score, least), score, std::nextafter(score, -least), least};
+              return choices[random() % 4];
+            },
+            [](const FrameCase<T, R> &c, R before) {
+              const R score = frameScore(c, c.low);
+              return score > before ? score : before;
+            }};
+  }
+}
+
+// In one family the factors of the LowScaled members are those of the Scaled ones.
+enum class LowFactor { own, ofScaled };
+
+template <class T, class R>
+FrameFamily<T, R> addFamily(LowFactor factor) {
+  const auto score = [factor](const FrameCase<T, R> &c) {
+    return frameScore(c, c.low && factor == LowFactor::own);
+  };
+  return {false,
+          [score](const FrameCase<T, R> &c, Random &random) {
+            return random() % 8 == 0 ? score(c) : score(c) + uniform<R>(random, 1, -25, 25)[0];
+          },
+          [score](const FrameCase<T, R> &c, R before) { return logStep(before, score(c), false); }};
+}
 
 enum class Data { random, whole };
 

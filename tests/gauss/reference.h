@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "orvsr/gauss.h"
@@ -133,6 +134,15 @@ inline std::int32_t exactScore(std::int64_t sum, std::int32_t gconst, std::int64
   // Without an overflow at the least value: -v = ~v + 1.
   const std::int64_t score = wrappedSum(wrappedSum(~shifted(sum, scaleFactor + 1), 1), gconst);
   return wraps ? static_cast<std::int32_t>(static_cast<std::uint32_t>(score)) : saturated(score);
+}
+
+// An argument that only some members have.
+template <bool present, class V>
+auto onlyIf(V value) {
+  if constexpr (present)
+    return std::tuple(value);
+  else
+    return std::tuple<>();
 }
 
 // One fault that an argument list may have, and the status it gives.

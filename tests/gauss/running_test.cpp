@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "gauss/frames.h"
-#include "support/logdomain.h"
 
 namespace orv::test {
 namespace {
@@ -61,53 +60,6 @@ std::vector<FrameMember<T, R>> addMembers() {
   }
 }
 
-// gconst + (-sum >> (scaleFactor + 1)), rounded down, in 64 bits.
-std::int64_t negatedScore(std::int64_t sum, std::int32_t gconst, std::int32_t scaleFactor) {
-  return wrappedSum(gconst, shifted(-sum, std::int64_t{scaleFactor} + 1));
-}
-
-// Results stand just above, at and just below the score, and far from it.
-template <class T, class R>
-FrameFamily<T, R> maxFamily() {
-  if constexpr (std::is_integral_v<R>) {
-    return {true,
-            [](const FrameCase<T, R> &c, Random &random) {
-              const std::int64_t score = saturated(negatedScore(exactSum(c), c.gconst, c.scaleFactor));
-              const std::int64_t choices[] = {INT32_MIN, score - 1, score, score + 1,
-                                              static_cast<std::int32_t>(random())};
-              return saturated(choices[random() % 5]);
-            },
-            [](const FrameCase<T, R> &c, R before) {
-              const std::int64_t score = negatedScore(exactSum(c), c.gconst, c.scaleFactor);
-              if (c.low) return score >= before ? static_cast<R>(score) : before;
-              return std::max(before, saturated(score));
-            }};
-  } else {
-    return {true,
-            [](const FrameCase<T, R> &c, Random &random) {
-              const R score = frameScore(c, c.low);
-              const R least = std::numeric_limits<R>::lowest();
-              const R choices[] = {std::nextafter(score, least), score, std::nextafter(score, -least), least};
-              return choices[random() % 4];
-            },
-            [](const FrameCase<T, R> &c, R before) {
-              const R score = frameScore(c, c.low);
-              return score > before ? score : before;
-            }};
-  }
-}
-
-// The factors of the LowScaled members are those of the Scaled ones, here only.
-template <class T, class R>
-FrameFamily<T, R> addFamily() {
-  return {false,
-          [](const FrameCase<T, R> &c, Random &random) {
-            const R score = frameScore(c, false);
-            return random() % 8 == 0 ? score : score + uniform<R>(random, 1, -25, 25)[0];
-          },
-          [](const FrameCase<T, R> &c, R before) { return logStep(before, frameScore(c, false), false); }};
-}
-
 template <class Types>
 class RunningTest : public ::testing::Test {};
 template <class T, class R>
@@ -131,9 +83,10 @@ TYPED_TEST(RunningTest, AddsInTheLogDomain) {
   using T = typename TypeParam::Elem;
   using R = typename TypeParam::Result;
   if constexpr (std::is_floating_point_v<R>) {
-    sweepFrames(addMembers<T, R>(), addFamily<T, R>());
+    sweepFrames(addMembers<T, R>(), addFamily<T, R>(LowFactor::ofScaled));
     checkOrderOfFrames(addMembers<T, R>());
-    if constexpr (std::is_integral_v<T>) sweepScaleFactors(addMembers<T, R>(), addFamily<T, R>());
+    if constexpr (std::is_integral_v<T>)
+      sweepScaleFactors(addMembers<T, R>(), addFamily<T, R>(LowFactor::ofScaled));
   }
 }
 
