@@ -309,8 +309,7 @@ OrvStatus orvsLogGaussAddMultiMix_32f_D2(const float *pMean, const float *pVar, 
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<StridedRows<float>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
-                                                      DoubledConstant<float>{},
-                                                      AddLog<Single, LogDomain32f>{pSrcDst, {}});
+                                                      DoubledConstant<float>{}, AddLog<Single>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -321,8 +320,7 @@ OrvStatus orvsLogGaussAddMultiMix_32f_D2L(const float *const *ppMean, const floa
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<RowPointers<float>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
-                                                      DoubledConstant<float>{},
-                                                      AddLog<Single, LogDomain32f>{pSrcDst, {}});
+                                                      DoubledConstant<float>{}, AddLog<Single>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -333,8 +331,7 @@ OrvStatus orvsLogGaussAddMultiMix_64f_D2(const double *pMean, const double *pVar
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<StridedRows<double>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
-                                                      DoubledConstant<double>{},
-                                                      AddLog<Double, LogDomain64f>{pSrcDst, {}});
+                                                      DoubledConstant<double>{}, AddLog<Double>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -345,8 +342,7 @@ OrvStatus orvsLogGaussAddMultiMix_64f_D2L(const double *const *ppMean, const dou
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<RowPointers<double>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
-                                                      DoubledConstant<double>{},
-                                                      AddLog<Double, LogDomain64f>{pSrcDst, {}});
+                                                      DoubledConstant<double>{}, AddLog<Double>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -358,7 +354,7 @@ OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const i
   const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                          ScaledSum{halvedScale(scaleFactor)},
-                                                         AddLog<Converted, LogDomain32f>{pSrcDst, {}});
+                                                         AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -371,7 +367,7 @@ OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean
   const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                          ScaledSum{halvedScale(scaleFactor)},
-                                                         AddLog<Converted, LogDomain32f>{pSrcDst, {}});
+                                                         AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -384,8 +380,7 @@ OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, cons
   const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(
       0, count, featLen, block, RowConstants{pGConst},
-      ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F},
-      AddLog<Converted, LogDomain32f>{pSrcDst, {}});
+      ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F}, AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
 }
 
@@ -398,7 +393,6 @@ OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppM
   const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(
       0, count, featLen, block, RowConstants{pGConst},
-      ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F},
-      AddLog<Converted, LogDomain32f>{pSrcDst, {}});
+      ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F}, AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
 }
