@@ -10,6 +10,8 @@ namespace orv::bench {
 void addCoreCases();
 void addGaussCases();
 void addPrimitiveCases();
+void addMatrixCases();
+void addTrainCases();
 }  // namespace orv::bench
 
 int main(int argc, char **argv) {
@@ -27,6 +29,8 @@ int main(int argc, char **argv) {
   orv::bench::addCoreCases();
   orv::bench::addGaussCases();
   orv::bench::addPrimitiveCases();
+  orv::bench::addMatrixCases();
+  orv::bench::addTrainCases();
   orv::bench::RatioTable table;
   benchmark::RunSpecifiedBenchmarks(&table);
   return 0;

@@ -136,6 +136,314 @@ ORV_API OrvStatus orvsRecSqrt_32s16s_Sfs(const int32_t *pSrc, int16_t *pDst, int
 
 /* ---------------------------------------------------------------- row and column operations */
 
+/**
+ * @defgroup sumcolumn Sums of columns and of rows
+ *
+ *     SumColumn:  pDst[c] = sum over r of M[r][c]        c = 0 .. width - 1
+ *     SumRow:     pDst[r] = sum over c of M[r][c]        r = 0 .. height - 1
+ *
+ * The 32f members add in double and round once; the 64f members add in double; both from index 0 upward. The
+ * 16s members add exactly: to 32f they round once; to 32s they shift the 64-bit sum by scaleFactor, to the
+ * right without rounding where it is positive and to the left where it is negative, and saturate.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix, height rows of width values.
+ * - step: elements from one row of pSrc to the next, width or more.
+ * - height, width: 1 or more.
+ * - pDst: the sums, width (SumColumn) or height (SumRow) values, written on success only.
+ * - scaleFactor: 2^-scaleFactor scales the sums; the count of the shift is taken modulo 64.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsStrideErr (width above step;
+ * members that take one array), orvStsNoErr.
+ *
+ * Source of the method: G. H. Golub and C. F. Van Loan, Matrix Computations, section 1.1.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsSumColumn_32f_D2(const float *pSrc, int32_t step, int32_t height, float *pDst,
+                                       int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsSumColumn_32f_D2L(const float *const *ppSrc, int32_t height, float *pDst,
+                                        int32_t width);
+/** 64f, one array. */
+ORV_API OrvStatus orvsSumColumn_64f_D2(const double *pSrc, int32_t step, int32_t height, double *pDst,
+                                       int32_t width);
+/** 64f, row pointers. */
+ORV_API OrvStatus orvsSumColumn_64f_D2L(const double *const *ppSrc, int32_t height, double *pDst,
+                                        int32_t width);
+/** 16s to 32f, one array. */
+ORV_API OrvStatus orvsSumColumn_16s32f_D2(const int16_t *pSrc, int32_t step, int32_t height, float *pDst,
+                                          int32_t width);
+/** 16s to 32f, row pointers. */
+ORV_API OrvStatus orvsSumColumn_16s32f_D2L(const int16_t *const *ppSrc, int32_t height, float *pDst,
+                                           int32_t width);
+/** 16s to 32s, one array. */
+ORV_API OrvStatus orvsSumColumn_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, int32_t height, int32_t *pDst,
+                                             int32_t width, int32_t scaleFactor);
+/** 16s to 32s, row pointers. */
+ORV_API OrvStatus orvsSumColumn_16s32s_D2LSfs(const int16_t *const *ppSrc, int32_t height, int32_t *pDst,
+                                              int32_t width, int32_t scaleFactor);
+/** 32f, one array. */
+ORV_API OrvStatus orvsSumRow_32f_D2(const float *pSrc, int32_t step, int32_t height, float *pDst,
+                                    int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsSumRow_32f_D2L(const float *const *ppSrc, int32_t height, float *pDst, int32_t width);
+/** 64f, one array. */
+ORV_API OrvStatus orvsSumRow_64f_D2(const double *pSrc, int32_t step, int32_t height, double *pDst,
+                                    int32_t width);
+/** 64f, row pointers. */
+ORV_API OrvStatus orvsSumRow_64f_D2L(const double *const *ppSrc, int32_t height, double *pDst, int32_t width);
+/** 16s to 32f, one array. */
+ORV_API OrvStatus orvsSumRow_16s32f_D2(const int16_t *pSrc, int32_t step, int32_t height, float *pDst,
+                                       int32_t width);
+/** 16s to 32f, row pointers. */
+ORV_API OrvStatus orvsSumRow_16s32f_D2L(const int16_t *const *ppSrc, int32_t height, float *pDst,
+                                        int32_t width);
+/** 16s to 32s, one array. */
+ORV_API OrvStatus orvsSumRow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, int32_t height, int32_t *pDst,
+                                          int32_t width, int32_t scaleFactor);
+/** 16s to 32s, row pointers. */
+ORV_API OrvStatus orvsSumRow_16s32s_D2LSfs(const int16_t *const *ppSrc, int32_t height, int32_t *pDst,
+                                           int32_t width, int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup subrow A row taken from every row
+ *
+ *     M[r][c] = M[r][c] - pVec[c]
+ *
+ * in place, such as the mean of all frames from each. The 16s members wrap in 16 bits and do not saturate.
+ *
+ * Arguments:
+ * - pVec: width values.
+ * - pSrcDst or ppSrcDst: the matrix, height rows of width values; what lies between rows is not touched.
+ * - step: elements from one row of pSrcDst to the next, width or more.
+ * - height, width: 1 or more; note their order, which is not the same in all members.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsStrideErr (width above step;
+ * members that take one array), orvStsNoErr.
+ *
+ * Source of the method: G. H. Golub and C. F. Van Loan, Matrix Computations, section 1.1.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsSubRow_32f_D2(const float *pVec, float *pSrcDst, int32_t step, int32_t height,
+                                    int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsSubRow_32f_D2L(const float *pVec, float *const *ppSrcDst, int32_t width,
+                                     int32_t height);
+/** 16s, one array. */
+ORV_API OrvStatus orvsSubRow_16s_D2(const int16_t *pVec, int16_t *pSrcDst, int32_t step, int32_t height,
+                                    int32_t width);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsSubRow_16s_D2L(const int16_t *pVec, int16_t *const *ppSrcDst, int32_t width,
+                                     int32_t height);
+/** @} */
+
+/**
+ * @defgroup addallrowsum The sum of all rows added to a vector
+ *
+ *     pSrcDst[c] = pSrcDst[c] + sum over r of M[r][c]
+ *
+ * in single; the rows are added from row 0 downward, and their sum to pSrcDst.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix, height rows of width values.
+ * - step: elements from one row of pSrc to the next, width or more.
+ * - height, width: 1 or more.
+ * - pSrcDst: width values, read and written.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsStrideErr (width above step;
+ * members that take one array), orvStsNoErr.
+ *
+ * Source of the method: G. H. Golub and C. F. Van Loan, Matrix Computations, section 1.1.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsAddAllRowSum_32f_D2(const float *pSrc, int32_t step, int32_t height, float *pSrcDst,
+                                          int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsAddAllRowSum_32f_D2L(const float *const *ppSrc, int32_t height, float *pSrcDst,
+                                           int32_t width);
+/** @} */
+
+/**
+ * @defgroup copycolumn Columns gathered by an index list
+ *
+ *     D[r][j] = S[r][pIndex[j]]              j = 0 .. dstWidth - 1,  r = 0 .. height - 1
+ *
+ * Arguments:
+ * - pSrc or ppSrc: height rows of srcWidth values.
+ * - pDst or ppDst: height rows of dstWidth values; the matrices do not overlap.
+ * - pIndex: dstWidth column numbers from 0 to srcWidth - 1, in any order, any of them repeated.
+ * - srcStep, dstStep: elements from one row to the next, at least the width of the row.
+ * - srcWidth, dstWidth, height: 1 or more.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (srcWidth below 1), orvStsStrideErr (srcWidth above srcStep),
+ * orvStsSizeErr (dstWidth below 1), orvStsStrideErr (dstWidth above dstStep), orvStsSizeErr (height below 1),
+ * orvStsSizeErr (an index out of range: it is met while the first row is copied, so the elements of that row
+ * before it are written, and nothing else), orvStsNoErr. Members that take row pointers have no steps to
+ * test.
+ *
+ * Source of the method: G. H. Golub and C. F. Van Loan, Matrix Computations, section 1.1.
+ * @{
+ */
+
+/** 16s, one array. */
+ORV_API OrvStatus orvsCopyColumn_Indirect_16s_D2(const int16_t *pSrc, int32_t srcWidth, int32_t srcStep,
+                                                 int16_t *pDst, const int32_t *pIndex, int32_t dstWidth,
+                                                 int32_t dstStep, int32_t height);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsCopyColumn_Indirect_16s_D2L(const int16_t *const *ppSrc, int32_t srcWidth,
+                                                  int16_t *const *ppDst, const int32_t *pIndex,
+                                                  int32_t dstWidth, int32_t height);
+/** 32f, one array. */
+ORV_API OrvStatus orvsCopyColumn_Indirect_32f_D2(const float *pSrc, int32_t srcWidth, int32_t srcStep,
+                                                 float *pDst, const int32_t *pIndex, int32_t dstWidth,
+                                                 int32_t dstStep, int32_t height);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsCopyColumn_Indirect_32f_D2L(const float *const *ppSrc, int32_t srcWidth,
+                                                  float *const *ppDst, const int32_t *pIndex,
+                                                  int32_t dstWidth, int32_t height);
+/** 64f, one array. */
+ORV_API OrvStatus orvsCopyColumn_Indirect_64f_D2(const double *pSrc, int32_t srcWidth, int32_t srcStep,
+                                                 double *pDst, const int32_t *pIndex, int32_t dstWidth,
+                                                 int32_t dstStep, int32_t height);
+/** 64f, row pointers. */
+ORV_API OrvStatus orvsCopyColumn_Indirect_64f_D2L(const double *const *ppSrc, int32_t srcWidth,
+                                                  double *const *ppDst, const int32_t *pIndex,
+                                                  int32_t dstWidth, int32_t height);
+/** @} */
+
+/**
+ * @defgroup weightedsum Two vectors mixed with normalised weights
+ *
+ *     WeightedSum:      pDst[i] = pSrc1[i] (weight1 r) + pSrc2[i] (weight2 r)
+ *     WeightedSumHalf:  pDst[i] = pSrc1[i] r + pSrc2[i] (weight2 r)             r = 1 / (weight1 + weight2)
+ *
+ * for len values, in the type of the weights. In the Half form the first weight enters through the sum only.
+ * 16s results are limited to -32768 .. 32767 and truncated toward zero; a NaN gives 0.
+ *
+ * Where the weights add up to exactly 0, pDst[i] gets the sign of t = pSrc1[i] weight1 + pSrc2[i] weight2:
+ * plus infinity for t above 0, minus infinity below, and a NaN otherwise; 32767, -32768 and 0 in the 16s
+ * members. All elements are written, and the status is a warning.
+ *
+ * Arguments:
+ * - pSrc1, pSrc2: len values each.
+ * - pDst: len values, written; may be one of the inputs.
+ * - len: 1 or more.
+ * - weight1, weight2: any values. A sum that is a NaN is not 0.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsDivByZeroWrn (weight1 + weight2 is 0),
+ * orvStsNoErr.
+ *
+ * Source of the method: F. Jelinek and R. L. Mercer, Interpolated estimation of Markov source parameters from
+ * sparse data, 1980.
+ * @{
+ */
+
+/** Mixed with both weights, 16s. */
+ORV_API OrvStatus orvsWeightedSum_16s(const int16_t *pSrc1, const int16_t *pSrc2, int16_t *pDst, int32_t len,
+                                      float weight1, float weight2);
+/** Mixed with both weights, 32f. */
+ORV_API OrvStatus orvsWeightedSum_32f(const float *pSrc1, const float *pSrc2, float *pDst, int32_t len,
+                                      float weight1, float weight2);
+/** Mixed with both weights, 64f. */
+ORV_API OrvStatus orvsWeightedSum_64f(const double *pSrc1, const double *pSrc2, double *pDst, int32_t len,
+                                      double weight1, double weight2);
+/** The first factor is 1 / (weight1 + weight2), 16s. */
+ORV_API OrvStatus orvsWeightedSumHalf_16s(const int16_t *pSrc1, const int16_t *pSrc2, int16_t *pDst,
+                                          int32_t len, float weight1, float weight2);
+/** The first factor is 1 / (weight1 + weight2), 32f. */
+ORV_API OrvStatus orvsWeightedSumHalf_32f(const float *pSrc1, const float *pSrc2, float *pDst, int32_t len,
+                                          float weight1, float weight2);
+/** The first factor is 1 / (weight1 + weight2), 64f. */
+ORV_API OrvStatus orvsWeightedSumHalf_64f(const double *pSrc1, const double *pSrc2, double *pDst, int32_t len,
+                                          double weight1, double weight2);
+/** @} */
+
+/**
+ * @defgroup vecmatmul Products of a vector and a matrix
+ *
+ *     VecMatMul:  pDst[c] = sum over r of pVec[r] M[r][c]        c = 0 .. width - 1,  height values in pVec
+ *     MatVecMul:  pDst[r] = sum over c of M[r][c] pVec[c]        r = 0 .. height - 1,  width values in pVec
+ *
+ * The 32f members add in single: VecMatMul from row 0 downward, MatVecMul in four lanes of which the last
+ * step adds 0 + 2 and 1 + 3 and then those two (below width 4 from column 0 upward). The integer members add
+ * in 64 bits (beyond which a sum of 32s products wraps), shift by scaleFactor, to the right without rounding
+ * where it is positive and to the left where it is negative, and saturate to the destination.
+ *
+ * Arguments:
+ * - pVec: the vector.
+ * - pMat or ppMat: the matrix, height rows of width values.
+ * - step: elements from one row of pMat to the next, width or more.
+ * - height, width: 1 or more.
+ * - pDst: the product, written on success only; it overlaps neither pVec nor the matrix.
+ * - scaleFactor: 2^-scaleFactor scales the product; the count of the shift is taken modulo 64.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsStrideErr (width above step;
+ * members that take one array), orvStsNoErr.
+ *
+ * Source of the method: G. H. Golub and C. F. Van Loan, Matrix Computations, section 1.1.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsVecMatMul_32f_D2(const float *pVec, const float *pMat, int32_t step, int32_t height,
+                                       float *pDst, int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsVecMatMul_32f_D2L(const float *pVec, const float *const *ppMat, int32_t height,
+                                        float *pDst, int32_t width);
+/** 16s, one array. */
+ORV_API OrvStatus orvsVecMatMul_16s_D2Sfs(const int16_t *pVec, const int16_t *pMat, int32_t step,
+                                          int32_t height, int16_t *pDst, int32_t width, int32_t scaleFactor);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsVecMatMul_16s_D2LSfs(const int16_t *pVec, const int16_t *const *ppMat, int32_t height,
+                                           int16_t *pDst, int32_t width, int32_t scaleFactor);
+/** 16s to 32s, one array. */
+ORV_API OrvStatus orvsVecMatMul_16s32s_D2Sfs(const int16_t *pVec, const int16_t *pMat, int32_t step,
+                                             int32_t height, int32_t *pDst, int32_t width,
+                                             int32_t scaleFactor);
+/** 16s to 32s, row pointers. */
+ORV_API OrvStatus orvsVecMatMul_16s32s_D2LSfs(const int16_t *pVec, const int16_t *const *ppMat,
+                                              int32_t height, int32_t *pDst, int32_t width,
+                                              int32_t scaleFactor);
+/** 32s, one array. */
+ORV_API OrvStatus orvsVecMatMul_32s_D2Sfs(const int32_t *pVec, const int32_t *pMat, int32_t step,
+                                          int32_t height, int32_t *pDst, int32_t width, int32_t scaleFactor);
+/** 32s, row pointers. */
+ORV_API OrvStatus orvsVecMatMul_32s_D2LSfs(const int32_t *pVec, const int32_t *const *ppMat, int32_t height,
+                                           int32_t *pDst, int32_t width, int32_t scaleFactor);
+/** 32f, one array. */
+ORV_API OrvStatus orvsMatVecMul_32f_D2(const float *pMat, int32_t step, const float *pVec, int32_t width,
+                                       float *pDst, int32_t height);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsMatVecMul_32f_D2L(const float *const *ppMat, const float *pVec, int32_t width,
+                                        float *pDst, int32_t height);
+/** 16s, one array. */
+ORV_API OrvStatus orvsMatVecMul_16s_D2Sfs(const int16_t *pMat, int32_t step, const int16_t *pVec,
+                                          int32_t width, int16_t *pDst, int32_t height, int32_t scaleFactor);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsMatVecMul_16s_D2LSfs(const int16_t *const *ppMat, const int16_t *pVec, int32_t width,
+                                           int16_t *pDst, int32_t height, int32_t scaleFactor);
+/** 16s to 32s, one array. */
+ORV_API OrvStatus orvsMatVecMul_16s32s_D2Sfs(const int16_t *pMat, int32_t step, const int16_t *pVec,
+                                             int32_t width, int32_t *pDst, int32_t height,
+                                             int32_t scaleFactor);
+/** 16s to 32s, row pointers. */
+ORV_API OrvStatus orvsMatVecMul_16s32s_D2LSfs(const int16_t *const *ppMat, const int16_t *pVec, int32_t width,
+                                              int32_t *pDst, int32_t height, int32_t scaleFactor);
+/** 32s, one array. */
+ORV_API OrvStatus orvsMatVecMul_32s_D2Sfs(const int32_t *pMat, int32_t step, const int32_t *pVec,
+                                          int32_t width, int32_t *pDst, int32_t height, int32_t scaleFactor);
+/** 32s, row pointers. */
+ORV_API OrvStatus orvsMatVecMul_32s_D2LSfs(const int32_t *const *ppMat, const int32_t *pVec, int32_t width,
+                                           int32_t *pDst, int32_t height, int32_t scaleFactor);
+/** @} */
+
 /* ---------------------------------------------------------------- singular value decomposition */
 
 /**

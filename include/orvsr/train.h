@@ -442,6 +442,384 @@ ORV_API OrvStatus orvsDcsClustLCompute_32f64f(const float *pFirst, const float *
 
 /* ---------------------------------------------------------------- column statistics */
 
+/**
+ * @defgroup meancolumn Column means
+ *
+ *     pMean[c] = r * sum over k of x[k][c]        r = 1 / height,  c = 0 .. width - 1
+ *
+ * of a feature matrix x with a frame in each row. The 32f members add and multiply in single. The 16s members
+ * add exactly, convert the sum to single, multiply by r in single and truncate toward zero: nothing is
+ * rounded, and the mean of equal values may come out one smaller in magnitude than they are.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix, height rows of width values.
+ * - height: rows, 1 or more.
+ * - step: elements from one row of pSrc to the next, width or more.
+ * - pMean: width means, written on success only.
+ * - width: columns, 1 or more.
+ *
+ * Every column is added from row 0 downward.
+ *
+ * Statuses of the members that take one array: orvStsStrideErr (width above step; tested first),
+ * orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsNoErr; of those that take row pointers:
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsMeanColumn_32f_D2(const float *pSrc, int32_t height, int32_t step, float *pMean,
+                                        int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsMeanColumn_32f_D2L(const float *const *ppSrc, int32_t height, float *pMean,
+                                         int32_t width);
+/** 16s, one array. */
+ORV_API OrvStatus orvsMeanColumn_16s_D2(const int16_t *pSrc, int32_t height, int32_t step, int16_t *pMean,
+                                        int32_t width);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsMeanColumn_16s_D2L(const int16_t *const *ppSrc, int32_t height, int16_t *pMean,
+                                         int32_t width);
+/** @} */
+
+/**
+ * @defgroup varcolumn Column variances about given means
+ *
+ *     pVar[c] = (sum over k of x[k][c]^2 - height pMean[c]^2) / (height - 1)
+ *
+ * The 32f members begin each sum at -height pMean[c]^2, add the squares in single, and multiply by
+ * 1.0f / (float)(height - 1). The 16s members round each square to single and add in single; the difference
+ * to pMean[c]^2 height, times the same factor, is truncated, shifted by scaleFactor (to the right, downward,
+ * where it is positive, and to the left where it is negative) and saturated.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix, height rows of width values.
+ * - height: rows, 2 or more.
+ * - step: elements from one row of pSrc to the next, width or more.
+ * - pMean: width means; they are taken as given.
+ * - pVar: width variances, written on success only.
+ * - width: columns, 1 or more.
+ * - scaleFactor: 2^-scaleFactor scales the result; the count of the shift is taken modulo 64.
+ *
+ * Statuses of the members that take one array: orvStsStrideErr (width above step; tested first),
+ * orvStsNullPtrErr, orvStsSizeErr (width below 1 or height below 2), orvStsNoErr; of those that take row
+ * pointers: orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsVarColumn_32f_D2(const float *pSrc, int32_t height, int32_t step, const float *pMean,
+                                       float *pVar, int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsVarColumn_32f_D2L(const float *const *ppSrc, int32_t height, const float *pMean,
+                                        float *pVar, int32_t width);
+/** 16s, one array. */
+ORV_API OrvStatus orvsVarColumn_16s_D2Sfs(const int16_t *pSrc, int32_t height, int32_t step,
+                                          const int16_t *pMean, int16_t *pVar, int32_t width,
+                                          int32_t scaleFactor);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsVarColumn_16s_D2LSfs(const int16_t *const *ppSrc, int32_t height, const int16_t *pMean,
+                                           int16_t *pVar, int32_t width, int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup meanvarcolumn Column means and variances in one pass
+ *
+ *     m[c] = r * sum over k of x[k][c],   v[c] = (sum over k of x[k][c]^2 - height m[c]^2) q
+ *
+ * with r = 1 / height formed in single. The 32f members work in single, with q = (float)(1.0 /
+ * (double)(height - 1)); the factor of @ref varcolumn is formed in single, and the two differ in the last bit
+ * for heights beyond 2^24. The integer members add exactly, but each square is rounded to single and added in
+ * single; m = (float)sum * r is not rounded or truncated before it enters v, and q = 1.0f / (float)(height -
+ * 1). They write m truncated toward zero, never scaled, and v truncated, shifted by scaleFactor as in @ref
+ * varcolumn, and saturated.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix, height rows of width values.
+ * - height: rows, 2 or more.
+ * - step: elements from one row of pSrc to the next, width or more.
+ * - pMean, pVar: width means and variances, written on success only.
+ * - width: columns, 1 or more.
+ * - scaleFactor: 2^-scaleFactor scales the variances only.
+ *
+ * Statuses of the members that take one array: orvStsStrideErr (width above step; tested first),
+ * orvStsNullPtrErr, orvStsSizeErr (width below 1 or height below 2), orvStsNoErr; of those that take row
+ * pointers: orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsMeanVarColumn_32f_D2(const float *pSrc, int32_t height, int32_t step, float *pMean,
+                                           float *pVar, int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsMeanVarColumn_32f_D2L(const float *const *ppSrc, int32_t height, float *pMean,
+                                            float *pVar, int32_t width);
+/** 16s, one array. */
+ORV_API OrvStatus orvsMeanVarColumn_16s_D2Sfs(const int16_t *pSrc, int32_t height, int32_t step,
+                                              int16_t *pMean, int16_t *pVar, int32_t width,
+                                              int32_t scaleFactor);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsMeanVarColumn_16s_D2LSfs(const int16_t *const *ppSrc, int32_t height, int16_t *pMean,
+                                               int16_t *pVar, int32_t width, int32_t scaleFactor);
+/** 16s to 32s, one array. */
+ORV_API OrvStatus orvsMeanVarColumn_16s32s_D2Sfs(const int16_t *pSrc, int32_t height, int32_t step,
+                                                 int32_t *pMean, int32_t *pVar, int32_t width,
+                                                 int32_t scaleFactor);
+/** 16s to 32s, row pointers. */
+ORV_API OrvStatus orvsMeanVarColumn_16s32s_D2LSfs(const int16_t *const *ppSrc, int32_t height, int32_t *pMean,
+                                                  int32_t *pVar, int32_t width, int32_t scaleFactor);
+/** 16s, with 16s means and 32s variances, one array. */
+ORV_API OrvStatus orvsMeanVarColumn_16s16s32s_D2(const int16_t *pSrc, int32_t height, int32_t step,
+                                                 int16_t *pMean, int32_t *pVar, int32_t width);
+/** 16s, with 16s means and 32s variances, row pointers. */
+ORV_API OrvStatus orvsMeanVarColumn_16s16s32s_D2L(const int16_t *const *ppSrc, int32_t height, int16_t *pMean,
+                                                  int32_t *pVar, int32_t width);
+/** @} */
+
+/**
+ * @defgroup weightedcolumn Weighted column means and variances
+ *
+ *     m[c] = sum over k of pWeights[k] x[k][c]
+ *     v[c] = sum over k of pWeights[k] x[k][c]^2 - m[c]^2
+ *
+ * in the type of the data. The weights are taken to add up to 1, such as posteriors over their sum; nothing
+ * normalises them. The Var members take m from the caller, the MeanVar members write both.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix, height rows of width values.
+ * - step: elements from one row of pSrc to the next, width or more.
+ * - pWeights: height weights.
+ * - height: rows, 1 or more.
+ * - pMean, pVar: width means and variances; outputs are written on success only.
+ * - width: columns, 1 or more.
+ *
+ * Statuses of the members that take one array: orvStsNullPtrErr, orvStsStrideErr (width above step),
+ * orvStsSizeErr (width or height below 1), orvStsNoErr: unlike the unweighted members they test pointers
+ * first. Of those that take row pointers: orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsWeightedMeanColumn_32f_D2(const float *pSrc, int32_t step, const float *pWeights,
+                                                int32_t height, float *pMean, int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsWeightedMeanColumn_32f_D2L(const float *const *ppSrc, const float *pWeights,
+                                                 int32_t height, float *pMean, int32_t width);
+/** 32f, one array. */
+ORV_API OrvStatus orvsWeightedVarColumn_32f_D2(const float *pSrc, int32_t step, const float *pWeights,
+                                               int32_t height, const float *pMean, float *pVar,
+                                               int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsWeightedVarColumn_32f_D2L(const float *const *ppSrc, const float *pWeights,
+                                                int32_t height, const float *pMean, float *pVar,
+                                                int32_t width);
+/** 32f, one array. */
+ORV_API OrvStatus orvsWeightedMeanVarColumn_32f_D2(const float *pSrc, int32_t step, const float *pWeights,
+                                                   int32_t height, float *pMean, float *pVar, int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsWeightedMeanVarColumn_32f_D2L(const float *const *ppSrc, const float *pWeights,
+                                                    int32_t height, float *pMean, float *pVar, int32_t width);
+/** 64f, one array. */
+ORV_API OrvStatus orvsWeightedMeanColumn_64f_D2(const double *pSrc, int32_t step, const double *pWeights,
+                                                int32_t height, double *pMean, int32_t width);
+/** 64f, row pointers. */
+ORV_API OrvStatus orvsWeightedMeanColumn_64f_D2L(const double *const *ppSrc, const double *pWeights,
+                                                 int32_t height, double *pMean, int32_t width);
+/** 64f, one array. */
+ORV_API OrvStatus orvsWeightedVarColumn_64f_D2(const double *pSrc, int32_t step, const double *pWeights,
+                                               int32_t height, const double *pMean, double *pVar,
+                                               int32_t width);
+/** 64f, row pointers. */
+ORV_API OrvStatus orvsWeightedVarColumn_64f_D2L(const double *const *ppSrc, const double *pWeights,
+                                                int32_t height, const double *pMean, double *pVar,
+                                                int32_t width);
+/** 64f, one array. */
+ORV_API OrvStatus orvsWeightedMeanVarColumn_64f_D2(const double *pSrc, int32_t step, const double *pWeights,
+                                                   int32_t height, double *pMean, double *pVar,
+                                                   int32_t width);
+/** 64f, row pointers. */
+ORV_API OrvStatus orvsWeightedMeanVarColumn_64f_D2L(const double *const *ppSrc, const double *pWeights,
+                                                    int32_t height, double *pMean, double *pVar,
+                                                    int32_t width);
+/** @} */
+
+/**
+ * @defgroup summeanvar Sums of columns and of their squares
+ *
+ *     pSum[c] = sum over k of x[k][c],   pSumSqr[c] = sum over k of x[k][c]^2
+ *
+ * for means and variances over data that comes in parts. The in-place members begin at what the outputs hold.
+ * The 32f and 16s to 32f members add in single, the latter after each value was converted. The 16s to 32s
+ * members add in 64 bits, shift by scaleFactor without rounding, and saturate; in place, what the outputs
+ * held is part of the sum that is shifted, so it is scaled again with each call.
+ *
+ * Arguments:
+ * - pSrc: the matrix, height rows of width values.
+ * - step: elements from one row to the next, width or more.
+ * - height: rows, 1 or more.
+ * - pSum, pSumSqr: width sums each, written on success only.
+ * - width: columns, 1 or more.
+ * - scaleFactor: 2^-scaleFactor scales both sums; the count of the shift is taken modulo 64.
+ *
+ * Statuses: orvStsStrideErr (width above step; tested first), orvStsNullPtrErr, orvStsSizeErr (width or
+ * height below 1), orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/** 32f. */
+ORV_API OrvStatus orvsSumMeanVar_32f(const float *pSrc, int32_t step, int32_t height, float *pSum,
+                                     float *pSumSqr, int32_t width);
+/** 32f, added to what the outputs hold. */
+ORV_API OrvStatus orvsSumMeanVar_32f_I(const float *pSrc, int32_t step, int32_t height, float *pSum,
+                                       float *pSumSqr, int32_t width);
+/** 16s to 32f. */
+ORV_API OrvStatus orvsSumMeanVar_16s32f(const int16_t *pSrc, int32_t step, int32_t height, float *pSum,
+                                        float *pSumSqr, int32_t width);
+/** 16s to 32f, added to what the outputs hold. */
+ORV_API OrvStatus orvsSumMeanVar_16s32f_I(const int16_t *pSrc, int32_t step, int32_t height, float *pSum,
+                                          float *pSumSqr, int32_t width);
+/** 16s to 32s. */
+ORV_API OrvStatus orvsSumMeanVar_16s32s_Sfs(const int16_t *pSrc, int32_t step, int32_t height, int32_t *pSum,
+                                            int32_t *pSumSqr, int32_t width, int32_t scaleFactor);
+/** 16s to 32s, added to what the outputs hold. */
+ORV_API OrvStatus orvsSumMeanVar_16s32s_ISfs(const int16_t *pSrc, int32_t step, int32_t height, int32_t *pSum,
+                                             int32_t *pSumSqr, int32_t width, int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup newvar Variances from sums
+ *
+ *     pDst[i] = (pSqr[i] - pMean[i]^2 c1) c2              i = 0 .. len - 1
+ *
+ * With sums S and Q of n values, c1 = 1 / n and c2 = 1 / (n - 1) give the variance Q / (n - 1) - S^2 / (n (n
+ * - 1)). The 32f members form the square in single and all else in double, and round once. The 32s members
+ * compute in single, multiply by 2^-scaleFactor, saturate at 2147483647 and -2147483648 and truncate toward
+ * zero.
+ *
+ * Arguments:
+ * - pMean: len sums or means.
+ * - pSqr: len sums or means of squares; the in-place members write where these stand.
+ * - pDst: len results.
+ * - len: values, 1 or more.
+ * - scaleFactor: any value.
+ * - c1, c2: factors.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ *
+ * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
+ * @{
+ */
+
+/** 32f. */
+ORV_API OrvStatus orvsNewVar_32f(const float *pMean, const float *pSqr, float *pDst, int32_t len, float c1,
+                                 float c2);
+/** 32f in place. */
+ORV_API OrvStatus orvsNewVar_32f_I(const float *pMean, float *pSqrDst, int32_t len, float c1, float c2);
+/** 32s. */
+ORV_API OrvStatus orvsNewVar_32s_Sfs(const int32_t *pMean, const int32_t *pSqr, int32_t *pDst, int32_t len,
+                                     int32_t scaleFactor, float c1, float c2);
+/** 32s in place. */
+ORV_API OrvStatus orvsNewVar_32s_ISfs(const int32_t *pMean, int32_t *pSqrDst, int32_t len,
+                                      int32_t scaleFactor, float c1, float c2);
+/** @} */
+
+/**
+ * @defgroup normalizecolumn Columns brought to a common mean and scale
+ *
+ *     x[k][c] = (x[k][c] - pMean[c]) pScale[c]
+ *
+ * in place, for all height rows and width columns. The 32f members work in single. The 16s members form the
+ * product in 32 bits, which always hold it, and shift it there: to the right, downward, by a positive
+ * scaleFactor, to the left by a negative one; what leaves 32 bits on the left is lost, and the count is taken
+ * modulo 32. The result is then saturated to 16 bits.
+ *
+ * Arguments:
+ * - pSrcDst or ppSrcDst: the matrix, height rows of width values.
+ * - step: elements from one row of pSrcDst to the next, width or more; what lies between rows is not touched.
+ * - height: rows, 1 or more.
+ * - pMean, pScale: width means and scales (inverse standard deviations, say).
+ * - width: columns, 1 or more.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsStrideErr (width above step;
+ * members that take one array), orvStsNoErr.
+ *
+ * Source of the method: B. S. Atal, Effectiveness of linear prediction characteristics of the speech wave for
+ * automatic speaker identification and verification, 1974; O. Viikki and K. Laurila, Cepstral domain
+ * segmental feature vector normalization for noise robust speech recognition, 1998.
+ * @{
+ */
+
+/** 32f, one array. */
+ORV_API OrvStatus orvsNormalizeColumn_32f_D2(float *pSrcDst, int32_t step, int32_t height, const float *pMean,
+                                             const float *pScale, int32_t width);
+/** 32f, row pointers. */
+ORV_API OrvStatus orvsNormalizeColumn_32f_D2L(float *const *ppSrcDst, int32_t height, const float *pMean,
+                                              const float *pScale, int32_t width);
+/** 16s, one array. */
+ORV_API OrvStatus orvsNormalizeColumn_16s_D2Sfs(int16_t *pSrcDst, int32_t step, int32_t height,
+                                                const int16_t *pMean, const int16_t *pScale, int32_t width,
+                                                int32_t scaleFactor);
+/** 16s, row pointers. */
+ORV_API OrvStatus orvsNormalizeColumn_16s_D2LSfs(int16_t *const *ppSrcDst, int32_t height,
+                                                 const int16_t *pMean, const int16_t *pScale, int32_t width,
+                                                 int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup acccovariance Accumulation of a covariance matrix
+ *
+ *     d[k][c] = x[k][c] - pMean[c]
+ *     D[i][j] = (D[i][j] + sum over k of d[k][i] d[k][j]) factor,   D[j][i] = D[i][j]          j <= i
+ *
+ * in double, rows added from row 0 downward to what D held. In the 32f member the differences are formed in
+ * single and widened. factor scales what the lower triangle held before as well; the upper triangle is never
+ * read, and becomes its mirror image. So calls with factor 1 accumulate, and the last call of a pass may
+ * carry 1 / n.
+ *
+ * Arguments:
+ * - pSrc or ppSrc: the matrix of features, height rows of width values.
+ * - height: rows, 1 or more.
+ * - srcStep, dstStep: elements from one row to the next, width or more.
+ * - pMean: width means.
+ * - pDst or ppDst: width rows of width values, read and written.
+ * - width: columns, 1 or more.
+ * - factor: any value.
+ *
+ * Up to width 512 the working memory lies on the stack, beyond it is allocated.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (width or height below 1), orvStsStrideErr (width above either
+ * step; members that take one array), orvStsMemAllocErr, orvStsNoErr.
+ *
+ * Source of the method: K. Fukunaga, Introduction to Statistical Pattern Recognition, 1990, section 2.1.
+ * @{
+ */
+
+/** 32f features, 64f matrix, one array. */
+ORV_API OrvStatus orvsAccCovarianceMatrix_32f64f_D2(const float *pSrc, int32_t height, int32_t srcStep,
+                                                    const float *pMean, double *pDst, int32_t dstStep,
+                                                    int32_t width, double factor);
+/** 32f features, 64f matrix, row pointers. */
+ORV_API OrvStatus orvsAccCovarianceMatrix_32f64f_D2L(const float *const *ppSrc, int32_t height,
+                                                     const float *pMean, double *const *ppDst, int32_t width,
+                                                     double factor);
+/** 16s features, 64f matrix, one array. */
+ORV_API OrvStatus orvsAccCovarianceMatrix_16s64f_D2(const int16_t *pSrc, int32_t height, int32_t srcStep,
+                                                    const int16_t *pMean, double *pDst, int32_t dstStep,
+                                                    int32_t width, double factor);
+/** 16s features, 64f matrix, row pointers. */
+ORV_API OrvStatus orvsAccCovarianceMatrix_16s64f_D2L(const int16_t *const *ppSrc, int32_t height,
+                                                     const int16_t *pMean, double *const *ppDst,
+                                                     int32_t width, double factor);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -88,6 +88,14 @@ inline f64x2 operator|(f64x2 a, f64x2 b) { return {_mm_or_pd(a.v, b.v)}; }
 inline f64x2 operator^(f64x2 a, f64x2 b) { return {_mm_xor_pd(a.v, b.v)}; }
 inline f64x2 andNot(f64x2 mask, f64x2 a) { return {_mm_andnot_pd(mask.v, a.v)}; }
 inline f64x2 select(f64x2 mask, f64x2 a, f64x2 b) { return (mask & a) | andNot(mask, b); }
+inline f64x2 swapLanes(f64x2 a) {  // the one shuffle that does not overwrite its operand
+  return {_mm_castsi128_pd(_mm_shuffle_epi32(_mm_castpd_si128(a.v), _MM_SHUFFLE(1, 0, 3, 2)))};
+}
+// One lane of a, then one of b.
+inline f64x2 firstAndFirst(f64x2 a, f64x2 b) { return {_mm_shuffle_pd(a.v, b.v, 0)}; }
+inline f64x2 secondAndFirst(f64x2 a, f64x2 b) { return {_mm_shuffle_pd(a.v, b.v, 1)}; }
+inline f64x2 firstAndSecond(f64x2 a, f64x2 b) { return {_mm_shuffle_pd(a.v, b.v, 2)}; }
+inline f64x2 secondAndSecond(f64x2 a, f64x2 b) { return {_mm_shuffle_pd(a.v, b.v, 3)}; }
 inline int signs(f64x2 a) { return _mm_movemask_pd(a.v); }
 inline f64x2 sqrt(f64x2 a) { return {_mm_sqrt_pd(a.v)}; }
 inline double firstOf(f64x2 a) { return _mm_cvtsd_f64(a.v); }
@@ -135,6 +143,16 @@ inline i32x4 difference4(const std::int16_t *a, const std::int16_t *b) {
 inline f32x4 toSingle(i32x4 a) { return {_mm_cvtepi32_ps(a.v)}; }
 inline f64x2 toDoubleLow(i32x4 a) { return {_mm_cvtepi32_pd(a.v)}; }
 
+// Four 16-bit values, each followed by 16 zero bits: ready to be multiplied.
+struct i16x4 {
+  __m128i v;
+};
+inline i16x4 load4(const std::int16_t *p) { return {_mm_unpacklo_epi16(loadHalf16(p), _mm_setzero_si128())}; }
+inline i32x4 widen(i16x4 a) { return {_mm_srai_epi32(_mm_slli_epi32(a.v, 16), 16)}; }
+// Products of 16-bit values, exact.
+inline i32x4 operator*(i16x4 a, i16x4 b) { return {_mm_madd_epi16(a.v, b.v)}; }
+inline i16x4 splat4(std::int16_t a) { return {_mm_set1_epi32(static_cast<std::uint16_t>(a))}; }
+
 // --- 32-bit integers in four lanes; what leaves the lane is dropped
 
 inline i32x4 load4(const std::int32_t *p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(p))}; }
@@ -151,6 +169,28 @@ inline i32x4 operator<<(i32x4 a, int count) { return {_mm_sll_epi32(a.v, _mm_cvt
 inline i32x4 operator>>(i32x4 a, int count) { return {_mm_sra_epi32(a.v, _mm_cvtsi32_si128(count))}; }
 // Toward zero; what does not fit gives the most negative number.
 inline i32x4 truncate(f32x4 a) { return {_mm_cvttps_epi32(a.v)}; }
+
+// --- 64-bit integers
+
+struct i64x4 {
+  static constexpr int lanes = 4;
+  __m128i low, high;
+};
+inline i64x4 operator+(i64x4 a, i64x4 b) {
+  return {_mm_add_epi64(a.low, b.low), _mm_add_epi64(a.high, b.high)};
+}
+inline i64x4 widen(i32x4 a) {
+  const __m128i signs = _mm_srai_epi32(a.v, 31);
+  return {_mm_unpacklo_epi32(a.v, signs), _mm_unpackhi_epi32(a.v, signs)};
+}
+inline i64x4 load4(const std::int64_t *p) {
+  return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)),
+          _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + 2))};
+}
+inline void store4(std::int64_t *p, i64x4 a) {
+  _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.low);
+  _mm_storeu_si128(reinterpret_cast<__m128i *>(p + 2), a.high);
+}
 
 // --- pairs
 
@@ -192,6 +232,14 @@ inline f64x4 operator+(f64x4 a, f64x4 b) { return {a.low + b.low, a.high + b.hig
 inline f64x4 operator-(f64x4 a, f64x4 b) { return {a.low - b.low, a.high - b.high}; }
 inline f64x4 operator*(f64x4 a, f64x4 b) { return {a.low * b.low, a.high * b.high}; }
 inline f64x4 operator*(f64x4 a, double b) { return {a.low * splat2(b), a.high * splat2(b)}; }
+inline f64x4 splat4(double a) { return {splat2(a), splat2(a)}; }
+inline f64x4 load4(const double *p) { return {load2(p), load2(p + 2)}; }
+inline void store4(double *p, f64x4 a) {
+  store2(p, a.low);
+  store2(p + 2, a.high);
+}
+inline f64x4 toDouble(i32x4 a) { return {toDoubleLow(a), toDoubleLow({_mm_unpackhi_epi64(a.v, a.v)})}; }
+inline f64x4 widen(f32x4 a) { return {widenLow(a), widenHigh(a)}; }
 inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 

@@ -1,0 +1,264 @@
+// orvsVecMatMul_*, orvsMatVecMul_*: products of a vector and a matrix.
+
+#include <algorithm>
+#include <cstdint>
+
+#include "core/integer.h"
+#include "orvsr/matrix.h"
+#include "primitives/columns.h"
+#include "primitives/memory.h"
+#include "primitives/reduce.h"
+#include "primitives/rows.h"
+#include "primitives/simd.h"
+
+namespace orv {
+namespace {
+
+using namespace columns;
+
+// --- vector by matrix: a sum of rows
+
+template <class Rows>
+void vecMat(const float *vec, const Rows &rows, std::int32_t height, float *dst, std::int32_t width) {
+  sumColumns(WeightedMoments<float, SumSingle>{vec}, rows, height, width, FromZero{},
+             [=](std::int32_t c, const auto &total) { store(dst + c, total.sum); });
+}
+
+template <class Form, class Rows, class Out>
+void vecMatScaled(const Form &form, const Rows &rows, std::int32_t height, Out *dst, std::int32_t width,
+                  std::int32_t scaleFactor) {
+  sumColumns(form, rows, height, width, FromZero{}, [=](std::int32_t c, const auto &total) {
+    store(dst + c, saturate<Out>(shiftSum(total.sum, scaleFactor)));
+  });
+}
+
+using ShortProducts = WeightedMoments<std::int16_t, SumExactWide>;
+
+// --- matrix by vector: a dot product for each row
+
+// n rows at a time, each in four lanes.
+template <int n>
+struct Dots {
+  simd::f32x4 dot;
+  Dots<n - 1> rest;
+
+  void clear() {
+    dot = simd::splat4(0.0F);
+    rest.clear();
+  }
+  void add(const float *const *rows, std::int32_t c, simd::f32x4 v, simd::f32x4 mask) {
+    dot = dot + ((simd::load4(*rows + c) * v) & mask);
+    rest.add(rows + 1, c, v, mask);
+  }
+  void add(const float *const *rows, std::int32_t c, simd::f32x4 v) {
+    dot = dot + simd::load4(*rows + c) * v;
+    rest.add(rows + 1, c, v);
+  }
+  void put(float *dst) const {
+    *dst = sumLanes(dot);
+    rest.put(dst + 1);
+  }
+};
+template <>
+struct Dots<0> {
+  void clear() {}
+  void add(const float *const *, std::int32_t, simd::f32x4, simd::f32x4) {}
+  void add(const float *const *, std::int32_t, simd::f32x4) {}
+  void put(float *) const {}
+};
+
+// Mask of the last count of four lanes.
+simd::f32x4 lastOfFour(std::int32_t count) {
+  alignas(16) static constexpr std::uint32_t masks[8] = {0, 0, 0, 0, ~0U, ~0U, ~0U, ~0U};
+  return simd::load4(reinterpret_cast<const float *>(masks + count));
+}
+
+// Rows of four elements or more. A last group of fewer than four is read with the elements before it, and
+// only its own products count.
+template <int n>
+void dotRows(const float *const *rows, const float *vec, std::int32_t width, float *dst) {
+  Dots<n> dots;
+  dots.clear();
+  std::int32_t c = 0;
+  for (; width - c >= 4; c += 4) dots.add(rows, c, simd::load4(vec + c));
+  if (c < width) dots.add(rows, width - 4, simd::load4(vec + width - 4), lastOfFour(width - c));
+  dots.put(dst);
+}
+
+float shortDot(const float *row, const float *vec, std::int32_t width) {
+  float sum = 0.0F;
+  for (std::int32_t c = 0; c < width; ++c) sum += load(row + c) * load(vec + c);
+  return sum;
+}
+
+template <class Rows>
+void matVec(const Rows &rows, const float *vec, std::int32_t width, float *dst, std::int32_t height) {
+  if (width < 4) {
+    for (std::int32_t r = 0; r < height; ++r) store(dst + r, shortDot(rows.row(r), vec, width));
+    return;
+  }
+  // Where fewer than eight or four rows are left, the last one takes the places that are free.
+  for (std::int32_t r = 0; r < height; r += std::min(8, height - r)) {
+    const std::int32_t count = std::min(8, height - r);
+    const float *row[8];
+    for (std::int32_t k = 0; k < 8; ++k) row[k] = rows.row(r + std::min(k, count - 1));
+    float dots[8];
+    if (count > 4) {
+      dotRows<8>(row, vec, width, dots);
+    } else {
+      dotRows<4>(row, vec, width, dots);
+    }
+    for (std::int32_t k = 0; k < count; ++k) store(dst + r + k, dots[k]);
+  }
+}
+
+std::int64_t dotProduct(const std::int16_t *row, const std::int16_t *vec, std::int32_t width) {
+  std::int64_t sum = 0;
+  orvsDotProd_16s64s(row, vec, width, &sum);
+  return sum;
+}
+std::int64_t dotProduct(const std::int32_t *row, const std::int32_t *vec, std::int32_t width) {
+  std::int64_t sum = 0;
+  for (std::int32_t c = 0; c < width; ++c) sum = addWrap64(sum, std::int64_t{load(row + c)} * load(vec + c));
+  return sum;
+}
+
+template <class Rows, class Out>
+void matVecScaled(const Rows &rows, const typename Rows::Elem *vec, std::int32_t width, Out *dst,
+                  std::int32_t height, std::int32_t scaleFactor) {
+  for (std::int32_t r = 0; r < height; ++r)
+    store(dst + r, saturate<Out>(shiftSum(dotProduct(rows.row(r), vec, width), scaleFactor)));
+}
+
+}  // namespace
+}  // namespace orv
+
+using namespace orv;
+
+OrvStatus orvsVecMatMul_32f_D2(const float *pVec, const float *pMat, int32_t step, int32_t height,
+                               float *pDst, int32_t width) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pVec, pMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMat(pVec, StridedRows{pMat, step}, height, pDst, width);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_32f_D2L(const float *pVec, const float *const *ppMat, int32_t height, float *pDst,
+                                int32_t width) {
+  const OrvStatus status = checkNullSize(width, height, pVec, ppMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMat(pVec, RowPointers{ppMat}, height, pDst, width);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_16s_D2Sfs(const int16_t *pVec, const int16_t *pMat, int32_t step, int32_t height,
+                                  int16_t *pDst, int32_t width, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pVec, pMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMatScaled(ShortProducts{pVec}, StridedRows{pMat, step}, height, pDst, width, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_16s_D2LSfs(const int16_t *pVec, const int16_t *const *ppMat, int32_t height,
+                                   int16_t *pDst, int32_t width, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSize(width, height, pVec, ppMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMatScaled(ShortProducts{pVec}, RowPointers{ppMat}, height, pDst, width, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_16s32s_D2Sfs(const int16_t *pVec, const int16_t *pMat, int32_t step, int32_t height,
+                                     int32_t *pDst, int32_t width, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pVec, pMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMatScaled(ShortProducts{pVec}, StridedRows{pMat, step}, height, pDst, width, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_16s32s_D2LSfs(const int16_t *pVec, const int16_t *const *ppMat, int32_t height,
+                                      int32_t *pDst, int32_t width, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSize(width, height, pVec, ppMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMatScaled(ShortProducts{pVec}, RowPointers{ppMat}, height, pDst, width, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_32s_D2Sfs(const int32_t *pVec, const int32_t *pMat, int32_t step, int32_t height,
+                                  int32_t *pDst, int32_t width, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pVec, pMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMatScaled(WideProducts{pVec}, StridedRows{pMat, step}, height, pDst, width, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsVecMatMul_32s_D2LSfs(const int32_t *pVec, const int32_t *const *ppMat, int32_t height,
+                                   int32_t *pDst, int32_t width, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSize(width, height, pVec, ppMat, pDst);
+  if (status != orvStsNoErr) return status;
+  vecMatScaled(WideProducts{pVec}, RowPointers{ppMat}, height, pDst, width, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_32f_D2(const float *pMat, int32_t step, const float *pVec, int32_t width, float *pDst,
+                               int32_t height) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVec(StridedRows{pMat, step}, pVec, width, pDst, height);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_32f_D2L(const float *const *ppMat, const float *pVec, int32_t width, float *pDst,
+                                int32_t height) {
+  const OrvStatus status = checkNullSize(width, height, ppMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVec(RowPointers{ppMat}, pVec, width, pDst, height);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_16s_D2Sfs(const int16_t *pMat, int32_t step, const int16_t *pVec, int32_t width,
+                                  int16_t *pDst, int32_t height, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVecScaled(StridedRows{pMat, step}, pVec, width, pDst, height, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_16s_D2LSfs(const int16_t *const *ppMat, const int16_t *pVec, int32_t width,
+                                   int16_t *pDst, int32_t height, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSize(width, height, ppMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVecScaled(RowPointers{ppMat}, pVec, width, pDst, height, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_16s32s_D2Sfs(const int16_t *pMat, int32_t step, const int16_t *pVec, int32_t width,
+                                     int32_t *pDst, int32_t height, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVecScaled(StridedRows{pMat, step}, pVec, width, pDst, height, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_16s32s_D2LSfs(const int16_t *const *ppMat, const int16_t *pVec, int32_t width,
+                                      int32_t *pDst, int32_t height, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSize(width, height, ppMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVecScaled(RowPointers{ppMat}, pVec, width, pDst, height, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_32s_D2Sfs(const int32_t *pMat, int32_t step, const int32_t *pVec, int32_t width,
+                                  int32_t *pDst, int32_t height, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSizeStride(width, step, height, pMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVecScaled(StridedRows{pMat, step}, pVec, width, pDst, height, scaleFactor);
+  return orvStsNoErr;
+}
+
+OrvStatus orvsMatVecMul_32s_D2LSfs(const int32_t *const *ppMat, const int32_t *pVec, int32_t width,
+                                   int32_t *pDst, int32_t height, int32_t scaleFactor) {
+  const OrvStatus status = checkNullSize(width, height, ppMat, pVec, pDst);
+  if (status != orvStsNoErr) return status;
+  matVecScaled(RowPointers{ppMat}, pVec, width, pDst, height, scaleFactor);
+  return orvStsNoErr;
+}
