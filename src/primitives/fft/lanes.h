@@ -53,13 +53,18 @@ inline void storeInterleaved(float *p, Complex4 a) {
   simd::store4(p + 4, simd::interleaveHigh(a.re, a.im));
 }
 
-// The conjugates, from the last one to the first.
-inline void storeMirrored(float *p, Complex4 a) {
-  a.im = a.im ^ simd::signBits4();
+// The same from the last one to the first.
+inline Complex4 loadReversed(const float *p) {
+  const simd::f32x4 a = simd::load4(p), b = simd::load4(p + 4);
+  return {simd::shuffle<2, 0, 2, 0>(b, a), simd::shuffle<3, 1, 3, 1>(b, a)};
+}
+inline void storeReversed(float *p, Complex4 a) {
   const simd::f32x4 low = simd::interleaveLow(a.re, a.im), high = simd::interleaveHigh(a.re, a.im);
   simd::store4(p, simd::shuffle<2, 3, 0, 1>(high, high));
   simd::store4(p + 4, simd::shuffle<2, 3, 0, 1>(low, low));
 }
+// The conjugates, from the last one to the first.
+inline void storeMirrored(float *p, Complex4 a) { storeReversed(p, {a.re, a.im ^ simd::signBits4()}); }
 
 inline void transpose(Complex4 &a, Complex4 &b, Complex4 &c, Complex4 &d) {
   simd::transpose(a.re, b.re, c.re, d.re);

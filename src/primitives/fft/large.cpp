@@ -16,7 +16,6 @@
 
 #include <cstring>
 
-#include "primitives/fft/bins.h"
 #include "primitives/fft/plan.h"
 #include "primitives/memory.h"
 
@@ -173,61 +172,58 @@ void buildSteps(float *steps, std::int64_t rows, std::int64_t columns, const Uni
       }
 }
 
-// The factors of the bins of each run, in the order of Run::low.
+// Between the transform Z of the M points and the spectrum X of the 2M values that they hold, for pairs of
+// bins k and M - k: with a = pi k / M, g = cos(a) / 2 and f = 1/2 - sin(a) / 2,
+//     d = Re Z[k] - Re Z[M-k],  s = Im Z[k] + Im Z[M-k],  u = f d + g s,  v = f s - g d,
+//     X[k] = (Re Z[M-k] + u, v - Im Z[M-k]),  X[M-k] = (Re Z[k] - u, v - Im Z[k]).
+// The way back is the same with -g, and yields half of Z.
+enum class Direction { forward, inverse };
+
+template <Direction direction>
+void recombine(Complex4 &low, Complex4 &high, Complex4 w) {
+  const simd::f32x4 g = w.re, f = w.im;
+  const simd::f32x4 d = low.re - high.re;
+  const simd::f32x4 s = low.im + high.im;
+  constexpr bool ahead = direction == Direction::forward;
+  const simd::f32x4 u = ahead ? f * d + g * s : f * d - g * s;
+  const simd::f32x4 v = ahead ? f * s - g * d : f * s + g * d;
+  const Complex4 lower = {high.re + u, v - high.im};
+  high = {low.re - u, v - low.im};
+  low = lower;
+}
+
 void buildBinFactors(float *table, std::int32_t order, const UnitCircle &circle) {
-  constexpr int bins[8] = {0, 1, 2, 3, 4, 7, 6, 5};
-  for (std::int64_t r = 0; r < std::int64_t{1} << (order - 5); ++r, table += 2 * kLaneFloats)
-    for (int i = 0; i < 8; ++i) {
-      const Twiddle w = circle.at(8 * r + bins[i], order);
-      float *part = table + i / 4 * 8 + i % 4;
-      part[0] = 0.5F * w.re;
-      part[4] = static_cast<float>(0.5 + 0.5 * static_cast<double>(w.im));
-    }
+  for (std::int64_t k = 0; k < std::int64_t{1} << (order - 2); ++k) {
+    const Twiddle w = circle.at(k, order);
+    float *part = table + k / 4 * kLaneFloats + k % 4;
+    part[0] = 0.5F * w.re;
+    part[4] = static_cast<float>(0.5 + 0.5 * static_cast<double>(w.im));
+  }
 }
 
-// Runs in memory, by the address of bin 1. The first run holds bins 0 and M, which stand elsewhere.
-constexpr std::size_t kFirstRunBytes = (kRunFloats - 2) * sizeof(float);
-
-void loadFirstRun(Run &run, const float *bin1, std::size_t points) {
-  float low[kRunFloats] = {}, high[kRunFloats] = {};
-  std::memcpy(low + 2, bin1, kFirstRunBytes);
-  std::memcpy(high, bin1 + 2 * (points - 8), kFirstRunBytes);
-  loadLow(low, run.low);
-  loadHigh(high, run.high);
-}
-void storeFirstRun(const Run &run, float *bin1, std::size_t points) {
-  float low[kRunFloats], high[kRunFloats];
-  storeLow(low, run.low);
-  storeHigh(high, run.high);
-  std::memcpy(bin1, low + 2, kFirstRunBytes);
-  std::memcpy(bin1 + 2 * (points - 8), high, kFirstRunBytes);
-}
-
-// All bins but 0, M/2 and M, in place or not.
+// All bins but 0, M/2 and M, by the addresses of bin 1, in place or not.
 template <Direction direction, class Finish>
 void recombineBins(const OrvRealFftState32f &spec, const float *src, float *dst, Finish finish) {
   const std::size_t points = std::size_t{1} << (spec.order - 1);
   const float *w = spec.realRecTwiddles;
-  const auto recombined = [&](Run &run) {
-    recombine<direction>(run, w);
-    w += 2 * kLaneFloats;
-    for (int i = 0; i < 2; ++i) {
-      run.low[i] = finish(run.low[i]);
-      run.high[i] = finish(run.high[i]);
-    }
+  const auto four = [&](const float *srcLow, const float *srcHigh, float *dstLow, float *dstHigh) {
+    Complex4 low = loadInterleaved(srcLow), high = loadReversed(srcHigh);
+    recombine<direction>(low, high, loadLanes(w));
+    w += kLaneFloats;
+    storeInterleaved(dstLow, finish(low));
+    storeReversed(dstHigh, finish(high));
   };
-  Run run;
-  loadFirstRun(run, src, points);
-  recombined(run);
-  storeFirstRun(run, dst, points);
-  for (std::size_t at = kRunFloats - 2; at + 2 < points; at += kRunFloats) {
-    const std::size_t mirror = 2 * points - kRunFloats - 2 - at;
-    loadLow(src + at, run.low);
-    loadHigh(src + mirror, run.high);
-    recombined(run);
-    storeLow(dst + at, run.low);
-    storeHigh(dst + mirror, run.high);
-  }
+  // The first four pairs contain bins 0 and M, which stand elsewhere.
+  constexpr std::size_t three = 6 * sizeof(float);
+  const std::size_t highest = 2 * (points - 4);
+  float low[8] = {}, high[8] = {};
+  std::memcpy(low + 2, src, three);
+  std::memcpy(high, src + highest, three);
+  four(low, high, low, high);
+  std::memcpy(dst, low + 2, three);
+  std::memcpy(dst + highest, high, three);
+  for (std::size_t at = 8; at < points; at += 8)
+    four(src + at - 2, src + highest - at, dst + at - 2, dst + highest - at);
 }
 
 struct Bin {
