@@ -23,13 +23,20 @@ struct Mixture {
   Frames means, variances;
 
   // What the scores take, formed by prepare() from the parameters: inverse variances, and for each component
-  // the log of its weight less half of the Gaussian's normalising constant.
+  // the log of its weight less half of the Gaussian's normalising constant. The scores need them to be up to
+  // date.
   Frames inverses;
   std::vector<float> constants;
 
   void prepare();
 
-  // Mean log-likelihood of a frame; prepare() must have been called.
+  // Log-likelihoods of the frames first .. first + count - 1 under the mixture, and under each component:
+  // those of component m stand from scores[m * step] on. With a step of 0 each component overwrites the one
+  // before.
+  void score(const Frames &frames, std::size_t first, std::size_t count, float *totals, float *scores,
+             std::size_t step) const;
+
+  // Mean log-likelihood of a frame.
   double score(const Frames &frames) const;
 };
 

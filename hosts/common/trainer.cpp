@@ -6,8 +6,6 @@
 #include <numeric>
 
 #include "common/error.h"
-#include "orvsr/core.h"
-#include "orvsr/gauss.h"
 #include "orvsr/train.h"
 
 namespace orv {
@@ -51,21 +49,9 @@ Statistics expectation(const Frames &frames, const Mixture &mixture) {
 
   for (std::size_t start = 0; start < frames.rows; start += kBlock) {
     const std::size_t count = std::min(kBlock, frames.rows - start);
-    const auto len = static_cast<std::int32_t>(count);
-    for (std::size_t m = 0; m < components; ++m) {
-      float *scored = scores.data() + m * kBlock;
-      require(
-          orvsLogGauss_32f_D2(frames.row(start), frames.step, mixture.means.row(m), mixture.inverses.row(m),
-                              mixture.width(), scored, len, mixture.constants[m]),
-          "orvsLogGauss_32f_D2");
-      if (m == 0) {
-        std::copy_n(scored, count, totals.begin());
-      } else {
-        require(orvsLogAdd_32f(scored, totals.data(), len, orvAlgHintAccurate), "orvsLogAdd_32f");
-      }
-    }
-    statistics.logLikelihood =
-        std::accumulate(totals.begin(), totals.begin() + len, statistics.logLikelihood);
+    mixture.score(frames, start, count, totals.data(), scores.data(), kBlock);
+    statistics.logLikelihood = std::accumulate(
+        totals.begin(), totals.begin() + static_cast<std::ptrdiff_t>(count), statistics.logLikelihood);
     for (std::size_t m = 0; m < components; ++m) {
       const float *scored = scores.data() + m * kBlock;
       for (std::size_t f = 0; f < count; ++f) {
