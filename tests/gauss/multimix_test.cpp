@@ -120,7 +120,8 @@ void check(const Member<T, R> &member, const FrameFamily<T, R> &family, Random &
                                                             : var.row(m / 4 * 4 + 3);
     cases.push_back({src, means[m], vars[m], deciding, inFour ? 1U : 2U, gconst[m], scaleFactor,
                      (member.traits & low) != 0});
-    results.set(m, member.ownConstants ? family.before(cases[m], random) : gconst[m]);
+    const R start = member.ownConstants ? family.before(cases[m], random) : gconst[m];
+    results.set(m, start == start ? start : R{1});  // so that a NaN can only come from the score
   }
   const std::vector<R> before = results.values();
   ASSERT_EQ(member.call({mean.base(), var.base(), mean.pointers(), var.pointers(), step, vector.data(),
