@@ -36,6 +36,15 @@ Array<T> uniform(std::size_t len, double low, double high, unsigned seed) {
   return out;
 }
 
+// Of a std::unique_ptr to an object of a C interface.
+template <auto release>
+struct Releaser {
+  template <class T>
+  void operator()(T *object) const {
+    release(object);
+  }
+};
+
 }  // namespace orv::bench
 
 #endif

@@ -8,10 +8,12 @@
 
 namespace orv::bench {
 void addCoreCases();
-void addGaussCases();
 void addPrimitiveCases();
+void addGaussCases();
+void addFrontendCases();
 void addMatrixCases();
 void addTrainCases();
+void addHostCases();
 }  // namespace orv::bench
 
 int main(int argc, char **argv) {
@@ -27,10 +29,14 @@ int main(int argc, char **argv) {
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
 
   orv::bench::addCoreCases();
-  orv::bench::addGaussCases();
   orv::bench::addPrimitiveCases();
+  orv::bench::addGaussCases();
+  orv::bench::addFrontendCases();
   orv::bench::addMatrixCases();
   orv::bench::addTrainCases();
+#if ORV_BENCH_HOSTS
+  orv::bench::addHostCases();
+#endif
   orv::bench::RatioTable table;
   benchmark::RunSpecifiedBenchmarks(&table);
   return 0;

@@ -26,14 +26,6 @@ struct Spectrum {
       : signal(uniform<float>(std::size_t{1} << order, -1.0, 1.0, 1)), bins(signal.size() + 2) {}
 };
 
-template <auto release>
-struct Releaser {
-  template <class T>
-  void operator()(T *object) const {
-    release(object);
-  }
-};
-
 auto oursForward(int order) {
   return [order] {
     OrvRealFftState32f *spec = nullptr;
