@@ -15,6 +15,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
+
+#if ORV_BENCH_FFTW
+extern "C" int fftwf_have_simd_avx(void);
+#endif
 
 namespace orv::bench {
 namespace {
@@ -40,11 +45,22 @@ auto oursForward(int order) {
 }
 
 #if ORV_BENCH_FFTW
-auto fftwForward(int order) {
-  return [order] {
+bool fftwIsWide = true;
+
+// wide: with the instructions that the processor has; otherwise with those that the library confines itself
+// to. Planners know the instructions they were made with, so each kind has a planner and wisdom of its own.
+auto fftwForward(int order, bool wide) {
+  return [order, wide] {
+    static std::string wisdom[2];
+    fftwf_cleanup();
+    fftwIsWide = wide;
+    fftwf_import_wisdom_from_string(wisdom[wide].c_str());
     Spectrum in(order);
     auto *const bins = reinterpret_cast<fftwf_complex *>(in.bins.data());
     fftwf_plan plan = fftwf_plan_dft_r2c_1d(1 << order, in.signal.data(), bins, FFTW_MEASURE);
+    char *const learnt = fftwf_export_wisdom_to_string();
+    wisdom[wide] = learnt;
+    fftwf_free(learnt);
     using Plan = std::unique_ptr<fftwf_plan_s, Releaser<fftwf_destroy_plan>>;
     return [data = std::move(in), owned = Plan(plan)] { fftwf_execute(owned.get()); };
   };
@@ -66,7 +82,8 @@ void addForward(int order, double fftwTarget, [[maybe_unused]] double kissTarget
   Case forward("primitives/FFTFwd_RToCCS_32f/" + std::to_string(1 << order));
   forward.ours(oursForward(order));
 #if ORV_BENCH_FFTW
-  forward.peer("FFTW", fftwTarget, fftwForward(order));
+  forward.peer("FFTW", fftwTarget, fftwForward(order, true));
+  forward.peer("FFTW, SSE2", fftwTarget, fftwForward(order, false));
 #else
   forward.absentPeer("FFTW");
 #endif
@@ -85,3 +102,8 @@ void addPrimitiveCases() {
 }
 
 }  // namespace orv::bench
+
+#if ORV_BENCH_FFTW
+// Stands in for FFTW's own question to the processor.
+int fftwf_have_simd_avx(void) { return orv::bench::fftwIsWide && __builtin_cpu_supports("avx"); }
+#endif

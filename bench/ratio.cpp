@@ -43,24 +43,23 @@ void RatioTable::ReportRuns(const std::vector<Run> &runs) {
 }
 
 void RatioTable::Finalize() {
-  std::printf("%-34s %-18s %10s %10s %8s %8s\n", "case", "peer", "ours", "peer", "ratio", "target");
+  std::size_t width = 0;
+  for (const Peer &peer : Case::peers()) width = std::max(width, peer.caseName.size());
+  const int column = static_cast<int>(width);
+  std::printf("%-*s  %-17s %10s %10s %9s %8s\n", column, "case", "peer", "ours", "peer", "ratio", "target");
   for (const Peer &peer : Case::peers()) {
     const auto ours = times_.find(peer.caseName + "/ours");
     if (ours == times_.end()) continue;
-    if (peer.fixedTime < 0.0) {
-      std::printf("%-34s %-18s not installed\n", peer.caseName.c_str(), peer.name.c_str());
+    std::printf("%-*s  %-17s ", column, peer.caseName.c_str(), peer.name.c_str());
+    const auto theirs = times_.find(peer.caseName + "/" + peer.name);
+    if (!peer.known && theirs == times_.end()) {
+      std::printf("%10s\n", peer.installed ? "not run" : "not installed");
       continue;
     }
-    double time = peer.fixedTime;
-    if (time == 0.0) {
-      const auto theirs = times_.find(peer.caseName + "/" + peer.name);
-      if (theirs == times_.end()) continue;
-      time = median(theirs->second);
-    }
+    const double time = peer.known ? *peer.known : median(theirs->second);
     const double oursTime = median(ours->second);
     const double ratio = time / oursTime;
-    std::printf("%-34s %-18s %10s %10s %8.2f", peer.caseName.c_str(), peer.name.c_str(),
-                readable(oursTime).c_str(), readable(time).c_str(), ratio);
+    std::printf("%10s %10s %9.2f", readable(oursTime).c_str(), readable(time).c_str(), ratio);
     if (peer.target > 0.0) std::printf(" %8.2f  %s", peer.target, ratio >= peer.target ? "ok" : "short");
     std::printf("\n");
   }

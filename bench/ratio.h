@@ -13,6 +13,7 @@
 #include <benchmark/benchmark.h>
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,9 @@ namespace orv::bench {
 struct Peer {
   std::string caseName;
   std::string name;
-  double target;           // least ratio aimed at, 0 where none is
-  double fixedTime = 0.0;  // seconds, for a peer that is not run
+  double target;  // least ratio aimed at, 0 where none is
+  bool installed = true;
+  std::optional<double> known;  // seconds, of a peer that is not run
 };
 
 class Case {
@@ -35,16 +37,16 @@ class Case {
   }
   template <class Prepare>
   Case &peer(const std::string &name, double target, Prepare prepare) {
-    peers().push_back({name_, name, target});
+    peers().push_back({name_, name, target, true, std::nullopt});
     return contender(name, prepare);
   }
   // A peer whose time is known: the duration of the signal that is worked on, say.
   Case &fixedPeer(const std::string &name, double target, double seconds) {
-    peers().push_back({name_, name, target, seconds});
+    peers().push_back({name_, name, target, true, seconds});
     return *this;
   }
   Case &absentPeer(const std::string &name) {
-    peers().push_back({name_, name, 0.0, -1.0});
+    peers().push_back({name_, name, 0.0, false, std::nullopt});
     return *this;
   }
 
