@@ -78,7 +78,7 @@ auto kissForward(int order) {
 }
 #endif
 
-void addForward(int order, double fftwTarget, [[maybe_unused]] double kissTarget) {
+void addForward(int order, [[maybe_unused]] double fftwTarget, [[maybe_unused]] double kissTarget) {
   Case forward("primitives/FFTFwd_RToCCS_32f/" + std::to_string(1 << order));
   forward.ours(oursForward(order));
 #if ORV_BENCH_FFTW
