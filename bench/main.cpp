@@ -7,6 +7,7 @@
 #include "bench/ratio.h"
 
 namespace orv::bench {
+void addAnalysisCases();
 void addCoreCases();
 void addPrimitiveCases();
 void addGaussCases();
@@ -28,6 +29,7 @@ int main(int argc, char **argv) {
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
 
+  orv::bench::addAnalysisCases();
   orv::bench::addCoreCases();
   orv::bench::addPrimitiveCases();
   orv::bench::addGaussCases();
