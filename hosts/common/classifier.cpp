@@ -2,13 +2,11 @@
 
 namespace orv {
 
-Decision Classifier::decide(const Recording &recording) {
-  refuseSilence(recording);
-  chain_.compute(recording, features_);
+Decision decision(const std::vector<double> &scores) {
   Decision decision;
   std::optional<double> best, next;
-  for (std::size_t i = 0; i < model_.classes.size(); ++i) {
-    const double score = model_.classes[i].mixture.score(features_);
+  for (std::size_t i = 0; i < scores.size(); ++i) {
+    const double score = scores[i];
     if (!best || score > *best) {
       next = best;
       best = score;
@@ -20,6 +18,18 @@ Decision Classifier::decide(const Recording &recording) {
   decision.score = *best;
   if (next) decision.margin = *best - *next;
   return decision;
+}
+
+std::vector<double> fullScores(const Model &model, const Frames &features) {
+  std::vector<double> scores;
+  for (const Model::Class &one : model.classes) scores.push_back(one.mixture.score(features));
+  return scores;
+}
+
+Decision Classifier::decide(const Recording &recording) {
+  refuseSilence(recording);
+  chain_.compute(recording, features_);
+  return decision(fullScores(model_, features_));
 }
 
 }  // namespace orv

@@ -19,12 +19,21 @@ struct Decision {
   std::optional<double> margin;  // to the next class; none if the model has one class only
 };
 
+// From the score of each class.
+Decision decision(const std::vector<double> &scores);
+
+// The score of each class from all Gaussians: the mean log-likelihood of a frame.
+std::vector<double> fullScores(const Model &model, const Frames &features);
+
 class Classifier {
  public:
   explicit Classifier(const Model &model) : model_(model), chain_(model.chain()) {}
 
   // Throws Error or UnusableRecording, also for a silent recording.
   Decision decide(const Recording &recording);
+
+  // The features of the recording that was decided on last.
+  const Frames &features() const { return features_; }
 
  private:
   const Model &model_;

@@ -59,6 +59,12 @@ TEST_F(Commands, TrainEvaluateAndIdentify) {
   EXPECT_EQ(json["audioSeconds"], 2.0);
   EXPECT_GT(json["realTimeFactor"], 0.0);
   EXPECT_GE(json["totalSeconds"], json["decisionSeconds"]);
+  const Outcome listed = run("evaluate model colour loud --json --held-out --shortlist 1");
+  EXPECT_EQ(nlohmann::json::parse(listed.out)["shortlist"]["correct"], 4) << listed.err;
+  EXPECT_NE(
+      run("evaluate model colour loud --shortlist 2").out.find("with shortlists of 2 Gaussians: 100.00 %"),
+      std::string::npos);
+  EXPECT_EQ(run("evaluate model colour loud --shortlist -1").status, 1);
   // A recording in the wrong folder is seen for what it is.
   fs::rename(folder / "colour/deeper/a.wav", folder / "loud/z.wav");
   const Outcome confused = run("evaluate model loud");

@@ -5,6 +5,7 @@
 
 #include "common/error.h"
 #include "common/model.h"
+#include "common/shortlist.h"
 #include "common/trainer.h"
 #include "hosts/support.h"
 
@@ -43,6 +44,37 @@ double plainScore(const Mixture &mixture, const Frames &frames) {
     total += std::log(sum);
   }
   return total / static_cast<double>(frames.rows);
+}
+
+// Classes of four Gaussians each, about points of their own.
+Model randomModel() {
+  Model model;
+  std::mt19937 random(3);
+  for (int c = 0; c < 3; ++c) {
+    Mixture mixture(4, 5);
+    for (std::size_t m = 0; m < 4; ++m)
+      for (std::size_t j = 0; j < 5; ++j) {
+        mixture.means.row(m)[j] = static_cast<float>(random() % 400) / 100 - 2;
+        mixture.variances.row(m)[j] = 1 + static_cast<float>(random() % 100) / 100;
+      }
+    mixture.prepare();
+    model.classes.push_back({"class", mixture});
+  }
+  return model;
+}
+
+TEST(Shortlists, OfAllGaussiansGiveTheFullScoreAndShorterOnesALower) {
+  const Model model = randomModel();
+  const Frames frames = sample(500, 5, 4);
+  const auto all = Shortlists(model, 4).scores(frames), one = Shortlists(model, 1).scores(frames);
+  ASSERT_EQ(all.size(), 3U);
+  for (std::size_t c = 0; c < 3; ++c) {
+    EXPECT_NEAR(all[c], plainScore(model.classes[c].mixture, frames), 1e-5);
+    EXPECT_LT(one[c], all[c]);
+    EXPECT_GT(
+        one[c],
+        all[c] - 1.5);  // the best of four is within ln 4 of their sum, where the centroid tells which it is
+  }
 }
 
 TEST(Trainer, FindsTheComponentsThatMadeTheData) {
