@@ -113,7 +113,7 @@ void addProducts() {
   struct Shape {
     std::int32_t height, width;
   };
-  for (const auto [height, width] : {Shape{39, 39}, Shape{128, 128}, Shape{10000, 39}}) {
+  for (const auto [height, width] : {Shape{39, 39}, Shape{128, 128}, Shape{600, 600}, Shape{10000, 39}}) {
     const std::string shape = std::to_string(height) + "x" + std::to_string(width);
     Case left("matrix/VecMatMul_32f_D2/" + shape);
     Case right("matrix/MatVecMul_32f_D2/" + shape);

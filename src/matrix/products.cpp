@@ -36,35 +36,23 @@ using ShortProducts = WeightedMoments<std::int16_t, SumExactWide>;
 
 // --- matrix by vector: a dot product for each row
 
-// n rows at a time, each in four lanes.
-template <int n>
-struct Dots {
-  simd::f32x4 dot;
-  Dots<n - 1> rest;
+// Four rows, each in four lanes.
+struct FourDots {
+  simd::f32x4 a = simd::splat4(0.0F), b = a, c = a, d = a;
 
-  void clear() {
-    dot = simd::splat4(0.0F);
-    rest.clear();
+  void add(const float *const *rows, std::int32_t column, simd::f32x4 v) {
+    a = a + simd::load4(rows[0] + column) * v;
+    b = b + simd::load4(rows[1] + column) * v;
+    c = c + simd::load4(rows[2] + column) * v;
+    d = d + simd::load4(rows[3] + column) * v;
   }
-  void add(const float *const *rows, std::int32_t c, simd::f32x4 v, simd::f32x4 mask) {
-    dot = dot + ((simd::load4(*rows + c) * v) & mask);
-    rest.add(rows + 1, c, v, mask);
+  void add(const float *const *rows, std::int32_t column, simd::f32x4 v, simd::f32x4 mask) {
+    a = a + ((simd::load4(rows[0] + column) * v) & mask);
+    b = b + ((simd::load4(rows[1] + column) * v) & mask);
+    c = c + ((simd::load4(rows[2] + column) * v) & mask);
+    d = d + ((simd::load4(rows[3] + column) * v) & mask);
   }
-  void add(const float *const *rows, std::int32_t c, simd::f32x4 v) {
-    dot = dot + simd::load4(*rows + c) * v;
-    rest.add(rows + 1, c, v);
-  }
-  void put(float *dst) const {
-    *dst = sumLanes(dot);
-    rest.put(dst + 1);
-  }
-};
-template <>
-struct Dots<0> {
-  void clear() {}
-  void add(const float *const *, std::int32_t, simd::f32x4, simd::f32x4) {}
-  void add(const float *const *, std::int32_t, simd::f32x4) {}
-  void put(float *) const {}
+  void put(float *dst) const { simd::store4(dst, simd::sumLanesOfFour(a, b, c, d)); }
 };
 
 // Mask of the last count of four lanes.
@@ -75,14 +63,28 @@ simd::f32x4 lastOfFour(std::int32_t count) {
 
 // Rows of four elements or more. A last group of fewer than four is read with the elements before it, and
 // only its own products count.
-template <int n>
-void dotRows(const float *const *rows, const float *vec, std::int32_t width, float *dst) {
-  Dots<n> dots;
-  dots.clear();
+void dotFourRows(const float *const *rows, const float *vec, std::int32_t width, float *dst) {
+  FourDots dots;
   std::int32_t c = 0;
   for (; width - c >= 4; c += 4) dots.add(rows, c, simd::load4(vec + c));
   if (c < width) dots.add(rows, width - 4, simd::load4(vec + width - 4), lastOfFour(width - c));
   dots.put(dst);
+}
+void dotEightRows(const float *const *rows, const float *vec, std::int32_t width, float *dst) {
+  FourDots first, second;
+  std::int32_t c = 0;
+  for (; width - c >= 4; c += 4) {
+    const simd::f32x4 v = simd::load4(vec + c);
+    first.add(rows, c, v);
+    second.add(rows + 4, c, v);
+  }
+  if (c < width) {
+    const simd::f32x4 v = simd::load4(vec + width - 4), mask = lastOfFour(width - c);
+    first.add(rows, width - 4, v, mask);
+    second.add(rows + 4, width - 4, v, mask);
+  }
+  first.put(dst);
+  second.put(dst + 4);
 }
 
 float shortDot(const float *row, const float *vec, std::int32_t width) {
@@ -104,9 +106,9 @@ void matVec(const Rows &rows, const float *vec, std::int32_t width, float *dst, 
     for (std::int32_t k = 0; k < 8; ++k) row[k] = rows.row(r + std::min(k, count - 1));
     float dots[8];
     if (count > 4) {
-      dotRows<8>(row, vec, width, dots);
+      dotEightRows(row, vec, width, dots);
     } else {
-      dotRows<4>(row, vec, width, dots);
+      dotFourRows(row, vec, width, dots);
     }
     for (std::int32_t k = 0; k < count; ++k) store(dst + r + k, dots[k]);
   }

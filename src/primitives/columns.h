@@ -108,22 +108,13 @@ struct FourColumns {
     sum.settle();
     squares.settle();
   }
-  void load(const Totals<First, Second> (&columns)[4]) {
-    typename First::Value a[4];
-    typename Second::Value b[4];
-    for (int i = 0; i < 4; ++i) {
-      a[i] = columns[i].sum;
-      b[i] = columns[i].squares;
-    }
+  void loadFrom(const typename First::Value *a, const typename Second::Value *b) {
     sum.loadFrom(a);
     squares.loadFrom(b);
   }
-  void store(Totals<First, Second> (&columns)[4]) const {
-    typename First::Value a[4];
-    typename Second::Value b[4];
+  void storeTo(typename First::Value *a, typename Second::Value *b) const {
     sum.storeTo(a);
     squares.storeTo(b);
-    for (int i = 0; i < 4; ++i) columns[i] = {a[i], b[i]};
   }
 };
 
@@ -184,9 +175,17 @@ struct WideProducts {
 
 // --- the loop
 
-constexpr std::int32_t kBlockRows = 32;  // rows that stay in the nearest cache while their columns are added
-constexpr std::int32_t kStripeColumns = 128;  // columns that are added side by side
-constexpr int kRegisters = 12;                // that hold sums
+constexpr std::int32_t kStripeColumns = 1024;  // that are added side by side
+constexpr int kRegisters = 12;                 // that hold sums
+
+// Rows whose columns are added before the next rows are looked at: as many as the nearest cache holds, so
+// that a matrix is read in its order in memory.
+constexpr std::int32_t kMostBlockRows = 64;
+template <class Elem>
+std::int32_t blockRows(std::int32_t columns) {
+  constexpr std::int32_t elements = 24576 / sizeof(Elem);
+  return std::clamp(elements / columns, 8, kMostBlockRows);
+}
 
 // n fours of columns next to one another, but the last of them where it is told to be.
 template <class Form, int n>
@@ -221,10 +220,10 @@ struct Group<Form, 1> {
 
 template <class Elem>
 struct Block {
-  const Elem *rows[kBlockRows];
+  const Elem *rows[kMostBlockRows];
   std::int32_t first;
   std::int32_t count;
-  Elem narrow[kBlockRows][4];
+  Elem narrow[kMostBlockRows][4];
 };
 
 template <int n, class Form>
@@ -237,7 +236,7 @@ template <int n, class Form>
 }
 
 // The first columns of a stripe from `columns` that the four columns with number i hold. The last four may
-// hold columns that the four before have as well: they are added twice and stored once.
+// hold columns that the four before have as well: they are added twice, in the same way.
 inline std::int32_t firstOfFour(int i, std::int32_t columns) {
   return std::min(4 * i, std::max(columns - 4, 0));
 }
@@ -289,31 +288,34 @@ void sumColumns(const Form &form, const Rows &rows, std::int32_t height, std::in
                 End end) {
   for (std::int32_t stripe = 0; stripe < width; stripe += std::min(kStripeColumns, width - stripe)) {
     const std::int32_t columns = std::min(kStripeColumns, width - stripe);
+    const int fours = (columns + 3) / 4;
+    decltype(Form::Column::sum) sum[kStripeColumns];
+    decltype(Form::Column::squares) squares[kStripeColumns];
     typename Form::Four sums[kStripeColumns / 4];
-    typename Form::Column four[4];
-    for (int i = 0; 4 * i < columns; ++i) {
-      if constexpr (std::is_same_v<Begin, FromZero>) {
-        sums[i] = typename Form::Four{};
-      } else {
-        for (std::int32_t k = 0; k < 4; ++k)
-          four[k] = begin(stripe + std::min(firstOfFour(i, columns) + k, columns - 1));
-        sums[i].load(four);
+    if constexpr (std::is_same_v<Begin, FromZero>) {
+      for (int i = 0; i < fours; ++i) sums[i] = typename Form::Four{};
+    } else {
+      for (std::int32_t c = 0; c < std::max(columns, 4); ++c) {
+        const auto start = begin(stripe + std::min(c, columns - 1));
+        sum[c] = start.sum;
+        squares[c] = start.squares;
+      }
+      for (int i = 0; i < fours; ++i) {
+        const std::int32_t first = firstOfFour(i, columns);
+        sums[i].loadFrom(sum + first, squares + first);
       }
     }
+    const std::int32_t rowsAtOnce = blockRows<typename Form::Elem>(columns);
     Block<typename Form::Elem> block;
     for (std::int32_t r = 0; r < height; r += block.count) {
-      take(block, rows, r, std::min(kBlockRows, height - r), stripe, columns);
+      take(block, rows, r, std::min(rowsAtOnce, height - r), stripe, columns);
       addBlock(form, block, columns, sums);
     }
-    for (int i = 0; 4 * i < columns; ++i) {
-      sums[i].store(four);
+    for (int i = 0; i < fours; ++i) {
       const std::int32_t first = firstOfFour(i, columns);
-      if (first == 4 * i && columns >= 4) {
-        for (std::int32_t k = 0; k < 4; ++k) end(stripe + first + k, four[k]);
-      } else {
-        for (std::int32_t c = 4 * i; c < columns; ++c) end(stripe + c, four[c - first]);
-      }
+      sums[i].storeTo(sum + first, squares + first);
     }
+    for (std::int32_t c = 0; c < columns; ++c) end(stripe + c, typename Form::Column{sum[c], squares[c]});
   }
 }
 

@@ -43,7 +43,7 @@ Matrix<T> drawMatrix(Random &random, int32_t h, int32_t w, int32_t gap, std::siz
 // The exact sum shifted to the right with floor, or to the left modulo 2^64; then limited.
 template <class Out>
 Out scaled(int64_t v, int32_t factor) {
-  const int count = std::abs(factor) % 64;
+  const auto count = static_cast<int>(std::abs(int64_t{factor}) % 64);
   int64_t shifted = static_cast<int64_t>(static_cast<std::uint64_t>(v) << count);
   if (factor > 0) shifted = static_cast<int64_t>(std::floor(std::ldexp(static_cast<long double>(v), -count)));
   return static_cast<Out>(
