@@ -17,8 +17,9 @@ void forShapes(F f) {
   for (int32_t width = 1; width <= 20; ++width)
     for (int32_t height = 1; height <= 17; height += 1 + height / 10)
       f(height, width, width % 3 * height % 7, static_cast<std::size_t>((5 * width + height) % 16));
-  for (const int32_t width : {39, 52, 127, 129, 131})
-    for (const int32_t height : {31, 32, 33, 70}) f(height, width, 1, static_cast<std::size_t>(width % 16));
+  for (const int32_t width : {39, 52, 131})
+    for (const int32_t height : {31, 33, 64, 70}) f(height, width, 1, static_cast<std::size_t>(width % 16));
+  for (const int32_t width : {1023, 1025, 1030}) f(17, width, 1, 4);
 }
 
 // Random bits of an integer type, and numbers of very different sizes of a floating one: in sums of them
