@@ -209,8 +209,9 @@ void testMix(Api sum, Api half) {
   constexpr W inf = std::numeric_limits<W>::infinity();
   const W pairs[][2] = {{3, 1}, {W(0.3), W(-0.1)}, {-2, W(2.001)}, {W(1e-30), W(1e-30)}, {1, -1},
                         {0, 0}, {inf, -inf},       {inf, 1}};
-  for (const auto &[w1, w2] : pairs)
+  for (const auto &pair : pairs)
     for (std::size_t len = 1; len <= 20; ++len) {
+      const W w1 = pair[0], w2 = pair[1];
       const std::size_t offset = (len * 5) % 16;
       auto some = draw<T>(random, len), other = draw<T>(random, len);
       if (len % 3 == 0) other[0] = some[0];  // a sum of 0 where the weights cancel
