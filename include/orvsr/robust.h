@@ -1,7 +1,6 @@
 /**
  * @file robust.h
- * The noise-robust front end: noise reduction, voice activity detection, noise tracking, peaks and
- * periodicity.
+ * Speech in noise: spectral peaks and periodicity.
  */
 #ifndef ORVSR_ROBUST_H
 #define ORVSR_ROBUST_H
@@ -11,19 +10,6 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-/* ---------------------------------------------------------------- noise spectrum and Wiener design */
-
-/* ---------------------------------------------------------------- wave processing and blind equalisation */
-
-/* ---------------------------------------------------------------- voice activity detection */
-
-/* ---------------------------------------------------------------- band split and high-band coding */
-
-/* ---------------------------------------------------------------- minima-controlled noise tracking and its
- * gains */
-
-/* ---------------------------------------------------------------- spectral peaks and periodicity */
 
 /**
  * @defgroup findpeaks Local maxima of a curve

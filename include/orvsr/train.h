@@ -279,8 +279,7 @@ ORV_API OrvStatus orvsOutProbPreCalc_64f_I(const double *pSrc, double *pSrcDst, 
 ORV_API OrvStatus orvsOutProbPreCalc_32s_I(const int32_t *pSrc, int32_t *pSrcDst, int32_t len);
 /** @} */
 
-/* ---------------------------------------------------------------- distance, merging and splitting of
- * Gaussians */
+/* ---------------------------------------------------------------- distance, merge and split of Gaussians */
 
 /**
  * @defgroup gaussianmerge Merging two Gaussians

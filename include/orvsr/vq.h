@@ -1,6 +1,6 @@
 /**
  * @file vq.h
- * Codebooks, vectors formed from indices, and dynamic time warping.
+ * Template matching: dynamic time warping.
  */
 #ifndef ORVSR_VQ_H
 #define ORVSR_VQ_H
@@ -10,14 +10,6 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-/* ---------------------------------------------------------------- codebook training */
-
-/* ---------------------------------------------------------------- codebook search */
-
-/* ---------------------------------------------------------------- vectors from indices */
-
-/* ---------------------------------------------------------------- dynamic time warping */
 
 /**
  * @defgroup dtw Distance of two sequences by dynamic time warping
