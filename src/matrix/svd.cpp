@@ -135,11 +135,10 @@ class Decomposition {
   // Transposed copies of an m x n matrix and room for V.
   Decomposition(std::int32_t m, std::int32_t n) : m_(m), n_(n) {
     const std::int64_t uStride = stride(m), vStride = stride(n);
-    const std::int64_t total =
-        uStride * n + vStride * n + 4 * std::int64_t{n} + 2 * std::int64_t{n} + stride(m);
-    // The lengths are below 2^31 each, so nothing has wrapped; what a 32-bit length cannot hold cannot be
-    // had.
-    if (uStride * n > INT32_MAX || vStride * n > INT32_MAX || total > INT32_MAX) return;
+    // Each matrix by itself first: the products are below 2^63, their sum need not be.
+    if (uStride * n > INT32_MAX || vStride * n > INT32_MAX) return;
+    const std::int64_t total = uStride * n + vStride * n + 6 * std::int64_t{n} + stride(m);
+    if (total > INT32_MAX) return;
     block_ = orvsMalloc_64f(static_cast<std::int32_t>(total));
     if (block_ == nullptr) return;
     double *next = block_;

@@ -187,7 +187,7 @@ void expectEveryCut(const Member<T> &m, const Utterance<T> &u, std::size_t offse
 
 // The gain at an index, from any address.
 template <class T>
-T gainAt(const T *val, int i) {
+T gainAt(const T *val, std::int64_t i) {
   T gain = 0;
   if (val != nullptr)
     std::memcpy(&gain, reinterpret_cast<const char *>(val) + sizeof(T) * static_cast<std::size_t>(i),
@@ -214,7 +214,7 @@ Member<T> member(F f, int reach, int stages, Scale... scale) {
             else if constexpr (oneGain)
               return f(s, w, d, step, h, gainAt(v, w), mode, scale...);
             else
-              return f(s, w, d, step, h, gainAt(v, w), gainAt(v, 2 * w), mode, scale...);
+              return f(s, w, d, step, h, gainAt(v, w), gainAt(v, 2 * std::int64_t{w}), mode, scale...);
           }};
 }
 
