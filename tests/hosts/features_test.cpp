@@ -106,7 +106,7 @@ TEST(FeatureChain, AgreesWithThePlainFormulaRoundEveryBlockEdge) {
   FeatureChain chain({}, 8000);
   Frames features;
   // 6 frames are the fewest; blocks hold 64, and the delta windows reach two rows over their edges.
-  for (const std::size_t frames : {6, 7, 63, 64, 65, 66, 68, 70, 71, 128, 131}) {
+  for (const std::size_t frames : {6u, 7u, 63u, 64u, 65u, 66u, 68u, 70u, 71u, 128u, 131u}) {
     const auto samples =
         noise(200 + (frames - 1) * 80 + (frames % 2) * 79, 0.7f, static_cast<unsigned>(frames));
     ASSERT_EQ(chain.frames(samples.size()), frames);
