@@ -11,7 +11,11 @@ build=build/demo
 scripts/install-packages.sh build hosts speech
 echo "Building orv ..."
 cmake --preset release -B "$build" -DBUILD_TESTING=OFF -DORV_BUILD_BENCH=OFF >/dev/null
-cmake --build "$build" --target orv >"$build/build.log" || { cat "$build/build.log"; exit 1; }
+if [ -t 1 ]; then # one line that tells how far it is
+  cmake --build "$build" --target orv
+else
+  cmake --build "$build" --target orv >"$build/build.log" || { cat "$build/build.log"; exit 1; }
+fi
 orv=$build/bin/orv
 
 echo "Training five voices on four fifths of their prompts (log: $build/training.log) ..."
