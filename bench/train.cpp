@@ -77,19 +77,36 @@ Moments plainColumn(const Features &in, std::int32_t c) {
   }
 }
 
-// As the compiler makes it, in lanes; or, with an empty instruction in the way, one product at a time.
-template <bool scalar>
-[[gnu::noinline]] void plainCovariance(Features &in) {
+// One product at a time.
+#ifndef __clang__
+[[gnu::optimize("no-tree-vectorize")]]
+#endif
+[[gnu::noinline]] void
+scalarCovariance(Features &in) {
   const auto width = static_cast<std::size_t>(in.width);
-  double d[Features::width];
   double *const out = in.covariance.data();
+  double d[Features::width];
   for (std::size_t r = 0; r < static_cast<std::size_t>(in.height); ++r) {
     for (std::size_t c = 0; c < width; ++c) d[c] = static_cast<double>(in.x[r * width + c] - in.mean[c]);
     for (std::size_t i = 0; i < width; ++i)
-      for (std::size_t j = 0; j <= i; ++j) {
-        out[i * width + j] += d[i] * d[j];
-        if constexpr (scalar) asm volatile("" : "+r"(j));
-      }
+#ifdef __clang__
+#pragma clang loop vectorize(disable) interleave(disable)
+#endif
+      for (std::size_t j = 0; j <= i; ++j) out[i * width + j] += d[i] * d[j];
+  }
+  for (std::size_t i = 0; i < width; ++i)
+    for (std::size_t j = 0; j <= i; ++j) out[j * width + i] = out[i * width + j] = out[i * width + j] * 0.5;
+}
+
+// The same as the compiler makes it, in lanes.
+[[gnu::noinline]] void plainCovariance(Features &in) {
+  const auto width = static_cast<std::size_t>(in.width);
+  double *const out = in.covariance.data();
+  double d[Features::width];
+  for (std::size_t r = 0; r < static_cast<std::size_t>(in.height); ++r) {
+    for (std::size_t c = 0; c < width; ++c) d[c] = static_cast<double>(in.x[r * width + c] - in.mean[c]);
+    for (std::size_t i = 0; i < width; ++i)
+      for (std::size_t j = 0; j <= i; ++j) out[i * width + j] += d[i] * d[j];
   }
   for (std::size_t i = 0; i < width; ++i)
     for (std::size_t j = 0; j <= i; ++j) out[j * width + i] = out[i * width + j] = out[i * width + j] * 0.5;
@@ -168,8 +185,8 @@ void addCovariance() {
         orvsAccCovarianceMatrix_32f64f_D2(in.x.data(), in.height, in.width, in.mean.data(),
                                           in.covariance.data(), in.width, in.width, 0.5);
       }))
-      .peer("plain scalar", 3.0, features(plainCovariance<true>))
-      .peer("plain in lanes", 0.0, features(plainCovariance<false>));
+      .peer("plain scalar", 3.0, features(scalarCovariance))
+      .peer("plain in lanes", 0.0, features(plainCovariance));
 #if ORV_BENCH_EIGEN
   covariance.peer("Eigen", 0.0, features(eigenCovariance));
 #else

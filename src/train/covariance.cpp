@@ -47,69 +47,84 @@ void fillPanel(const Panel &panel, const Src &src, std::int32_t first, const T *
 // Four sums of products of two elements with two: straight has (0, 0) and (1, 1), crossed (0, 1) and (1, 0).
 struct TwoByTwo {
   f64x2 straight, crossed;
-
-  TwoByTwo(const double *upper, const double *lower)
-      : straight(firstAndSecond(load2(upper), load2(lower))),
-        crossed(secondAndFirst(load2(upper), load2(lower))) {}
-  void add(f64x2 a, f64x2 b, f64x2 bSwapped) {
-    straight = straight + a * b;
-    crossed = crossed + a * bSwapped;
-  }
-  void put(double *upper, double *lower) const {
-    store2(upper, firstAndFirst(straight, crossed));
-    store2(lower, swapLanes(secondAndSecond(straight, crossed)));
-  }
 };
 
-// tile[k][l] += a[k] * b[l] for the elements a, b of each row of the panel in turn: the order in which every
-// element of the matrix grows. A tile on the diagonal is left alone in its upper right quarter.
-template <bool onDiagonal>
-inline void addProducts(const Panel &panel, std::int32_t i, std::int32_t j, double *t0, double *t1,
-                        double *t2, double *t3) {
-  TwoByTwo nw(t0, t1), sw(t2, t3), se(t2 + 2, t3 + 2);
-  TwoByTwo ne(onDiagonal ? t0 : t0 + 2, onDiagonal ? t1 : t1 + 2);
-  const double *a = panel.fourColumns(i);
-  const double *b = panel.fourColumns(j);
+void addProduct(f64x2 &sum, f64x2 a, f64x2 b) { sum = sum + a * b; }
+
+// Such sums from and to two rows of a matrix; on the diagonal without (0, 1), which lies in the upper
+// triangle.
+TwoByTwo take(const double *upper, const double *lower) {
+  const f64x2 u = load2(upper), l = load2(lower);
+  return {firstAndSecond(u, l), secondAndFirst(u, l)};
+}
+void put(const TwoByTwo &sums, double *upper, double *lower) {
+  store2(upper, firstAndFirst(sums.straight, sums.crossed));
+  store2(lower, swapLanes(secondAndSecond(sums.straight, sums.crossed)));
+}
+TwoByTwo takeDiagonal(const double *upper, const double *lower) {
+  return {pack2(load(upper), load(lower + 1)), pack2(0.0, load(lower))};
+}
+void putDiagonal(const TwoByTwo &sums, double *upper, double *lower) {
+  store(upper, firstOf(sums.straight));
+  store2(lower, swapLanes(secondAndSecond(sums.straight, sums.crossed)));
+}
+
+// t[k][l] += a[k] * b[l] for the elements a = i + k and b = j + l of each row of the panel in turn: the order
+// in which every element of the matrix grows.
+void addProducts(const Panel &panel, std::int32_t i, std::int32_t j, double *t0, double *t1, double *t2,
+                 double *t3) {
+  TwoByTwo nw = take(t0, t1), ne = take(t0 + 2, t1 + 2), sw = take(t2, t3), se = take(t2 + 2, t3 + 2);
+  const double *const a = panel.fourColumns(i);
+  const double *const b = panel.fourColumns(j);
   const std::ptrdiff_t end = std::ptrdiff_t{4} * panel.count;
   for (std::ptrdiff_t k = 0; k < end; k += 4) {
     const f64x2 a0 = load2(a + k), a1 = load2(a + k + 2), b0 = load2(b + k), b1 = load2(b + k + 2);
     const f64x2 s0 = swapLanes(b0), s1 = swapLanes(b1);
-    nw.add(a0, b0, s0);
-    if constexpr (!onDiagonal) ne.add(a0, b1, s1);
-    sw.add(a1, b0, s0);
-    se.add(a1, b1, s1);
+    addProduct(nw.straight, a0,
+               b0);  // both products of a vector in turn, so that the second may overwrite it
+    addProduct(sw.straight, a1, b0);
+    addProduct(nw.crossed, a0, s0);
+    addProduct(sw.crossed, a1, s0);
+    addProduct(ne.straight, a0, b1);
+    addProduct(se.straight, a1, b1);
+    addProduct(ne.crossed, a0, s1);
+    addProduct(se.crossed, a1, s1);
   }
-  nw.put(t0, t1);
-  if constexpr (!onDiagonal) ne.put(t0 + 2, t1 + 2);
-  sw.put(t2, t3);
-  se.put(t2 + 2, t3 + 2);
+  put(nw, t0, t1);
+  put(ne, t0 + 2, t1 + 2);
+  put(sw, t2, t3);
+  put(se, t2 + 2, t3 + 2);
 }
 
-// A tile that does not lie in the lower triangle wholly is worked on in a copy of the part that does: the
-// rest is neither read nor written.
-template <bool onDiagonal, class Dst>
-void addToPart(const Panel &panel, const Dst &dst, std::int32_t i, std::int32_t j, std::int32_t rows) {
-  double tile[4][4] = {};
-  const auto columns = [=](std::int32_t k) { return onDiagonal ? k + 1 : 4; };
-  for (std::int32_t k = 0; k < rows; ++k)
-    for (std::int32_t l = 0; l < columns(k); ++l) tile[k][l] = load(dst.row(i + k) + j + l);
-  addProducts<onDiagonal>(panel, i, j, tile[0], tile[1], tile[2], tile[3]);
-  for (std::int32_t k = 0; k < rows; ++k)
-    for (std::int32_t l = 0; l < columns(k); ++l) store(dst.row(i + k) + j + l, tile[k][l]);
+// The same for j = i: what lies in the upper triangle is neither read nor written.
+void addSquares(const Panel &panel, std::int32_t i, double *t0, double *t1, double *t2, double *t3) {
+  TwoByTwo nw = takeDiagonal(t0, t1), sw = take(t2, t3), se = takeDiagonal(t2 + 2, t3 + 2);
+  const double *const a = panel.fourColumns(i);
+  const std::ptrdiff_t end = std::ptrdiff_t{4} * panel.count;
+  for (std::ptrdiff_t k = 0; k < end; k += 4) {
+    const f64x2 a0 = load2(a + k), a1 = load2(a + k + 2);
+    const f64x2 s0 = swapLanes(a0);
+    addProduct(nw.straight, a0, a0);
+    addProduct(nw.crossed, a0, s0);
+    addProduct(sw.straight, a1, a0);
+    addProduct(sw.crossed, a1, s0);
+    addProduct(se.straight, a1, a1);
+    addProduct(se.crossed, a1, swapLanes(a1));
+  }
+  putDiagonal(nw, t0, t1);
+  put(sw, t2, t3);
+  putDiagonal(se, t2 + 2, t3 + 2);
 }
 
 template <class Dst>
 void addPanel(const Panel &panel, const Dst &dst, std::int32_t width) {
   for (std::int32_t i = 0; i < width; i += 4) {
+    // The rows that the last tiles lack: sums of zeros, which nobody reads.
+    double none[4] = {};
     const std::int32_t rows = std::min(4, width - i);
-    if (rows == 4) {
-      double *const t0 = dst.row(i), *const t1 = dst.row(i + 1);
-      double *const t2 = dst.row(i + 2), *const t3 = dst.row(i + 3);
-      for (std::int32_t j = 0; j < i; j += 4) addProducts<false>(panel, i, j, t0 + j, t1 + j, t2 + j, t3 + j);
-    } else {
-      for (std::int32_t j = 0; j < i; j += 4) addToPart<false>(panel, dst, i, j, rows);
-    }
-    addToPart<true>(panel, dst, i, i, rows);
+    const auto at = [&](std::int32_t k, std::int32_t j) { return k < rows ? dst.row(i + k) + j : none; };
+    for (std::int32_t j = 0; j < i; j += 4) addProducts(panel, i, j, at(0, j), at(1, j), at(2, j), at(3, j));
+    addSquares(panel, i, at(0, i), at(1, i), at(2, i), at(3, i));
   }
 }
 
