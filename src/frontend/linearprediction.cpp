@@ -17,8 +17,8 @@ namespace {
 constexpr std::int32_t kStackOrder = 64;
 constexpr std::int32_t kSchurStackOrder = 1024;
 
-// The Levinson-Durbin recursion. a holds the coefficients of the last completed order when it fails.
-OrvStatus durbin(const float *r, float *a, std::int32_t order, float *err) {
+// The Levinson-Durbin recursion. dst holds the coefficients of the last completed order when it fails.
+OrvStatus durbin(const float *r, float *dst, std::int32_t order, float *err) {
   const float r0 = load(r);
   if (!(r0 > 0)) return orvStsDurbinErr;
   float k = load(r + 1) / r0;
@@ -26,18 +26,25 @@ OrvStatus durbin(const float *r, float *a, std::int32_t order, float *err) {
   if (!(e > 0)) return orvStsDurbinErr;
   StackArray<float, kStackOrder> scratch(std::int64_t{order} + 1, order < kStackOrder);
   if (!scratch) return orvStsMemAllocErr;
-  float *last = scratch.get();
-  store(a, 0 - k);
-  for (std::int32_t m = 2; m <= order; ++m) {
+  float *a = scratch.get();
+  a[0] = 0 - k;
+  std::int32_t m = 2;  // coefficients below m - 1 stand
+  for (; m <= order; ++m) {
     float s = load(r + m);
-    for (std::int32_t j = 1; j < m; ++j) s += load(r + m - j) * load(a + j - 1);
+    for (std::int32_t j = 1; j < m; ++j) s += load(r + m - j) * a[j - 1];
     k = s / e;
     e = e * (1 - k * k);
-    if (!(e > 0)) return orvStsDurbinErr;
-    for (std::int32_t i = 0; i < m - 1; ++i) last[i] = load(a + i);
-    for (std::int32_t i = 0; i < m - 1; ++i) store(a + i, last[i] - last[m - 2 - i] * k);
-    store(a + m - 1, 0 - k);
+    if (!(e > 0)) break;
+    // From both ends towards the middle, where an element meets itself.
+    for (std::int32_t low = 0, high = m - 2; low <= high; ++low, --high) {
+      const float x = a[low], y = a[high];
+      a[low] = x - y * k;
+      a[high] = y - x * k;
+    }
+    a[m - 1] = 0 - k;
   }
+  orvsCopy_32f(a, dst, m - 1);
+  if (m <= order) return orvStsDurbinErr;
   store(err, e);
   return orvStsNoErr;
 }

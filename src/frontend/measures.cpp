@@ -8,6 +8,7 @@
 #include "core/scale.h"
 #include "orvsr/frontend.h"
 #include "primitives/memory.h"
+#include "primitives/simd.h"
 #include "primitives/special.h"
 
 using namespace orv;
@@ -54,14 +55,26 @@ bool sumXLogX(const T *src, std::int32_t len, Read read, float *sum) {
   return true;
 }
 
+// 0 below 0, 2 above 2; a NaN runs through.
+float unitCurve(float x) {
+  const float rest = 2 - x;
+  const float rising = x < 1 ? x * x : 2 - rest * rest;
+  const float capped = x > 2 ? 2.0F : rising;
+  return x < 0 ? 0.0F : capped;
+}
+
 void unitCurve(const float *src, float *dst, std::int32_t len) {
-  for (std::int32_t i = 0; i < len; ++i) {
-    const float x = load(src + i);
-    const float rest = 2 - x;
-    const float rising = x < 1 ? x * x : 2 - rest * rest;
-    const float capped = x > 2 ? 2.0F : rising;
-    store(dst + i, x < 0 ? 0.0F : capped);
+  using simd::f32x4;
+  const f32x4 one = simd::splat4(1.0F), two = simd::splat4(2.0F);
+  std::int32_t i = 0;
+  for (; len - i >= 4; i += 4) {
+    const f32x4 x = simd::load4(src + i);
+    const f32x4 rest = two - x;
+    const f32x4 rising = simd::select(x < one, x * x, two - rest * rest);
+    const f32x4 capped = simd::select(x > two, two, rising);
+    simd::store4(dst + i, simd::andNot(x < f32x4{}, capped));
   }
+  for (; i < len; ++i) store(dst + i, unitCurve(load(src + i)));
 }
 
 void unitCurve(const std::int16_t *src, std::int32_t srcShift, std::int16_t *dst, std::int32_t len,

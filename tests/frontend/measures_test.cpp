@@ -168,6 +168,13 @@ TEST(UnitCurve, RisesFromZeroToTwo) {
   EXPECT_EQ(y, (std::vector<float>{0, 0, 0.25F, 1, 1.75F, 2, 2, 2, 0}));
   EXPECT_EQ(orvsUnitCurve_32f_I(x.data(), 9), orvStsNoErr);
   EXPECT_EQ(x, y);
+  // Each value by itself and in any company, a NaN too.
+  std::vector<float> mixed{0.25F, NAN, -2, 1.75F, 3, 1, 0.5F}, alone = mixed;
+  EXPECT_EQ(orvsUnitCurve_32f_I(mixed.data(), 7), orvStsNoErr);
+  for (std::size_t i = 0; i < 7; ++i) {
+    EXPECT_EQ(orvsUnitCurve_32f_I(&alone[i], 1), orvStsNoErr);
+    EXPECT_TRUE(sameBits(mixed[i], alone[i])) << i;
+  }
   std::vector<std::int16_t> s{-5, 0, 2, 4, 6, 8, 100}, t(7);
   EXPECT_EQ(orvsUnitCurve_16s_Sfs(s.data(), 2, t.data(), 7, -4), orvStsNoErr);
   EXPECT_EQ(t, (std::vector<std::int16_t>{0, 0, 4, 16, 28, 32, 32}));
