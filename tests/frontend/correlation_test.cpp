@@ -25,9 +25,9 @@ TEST(CrossCorrelation, IsExactBeforeEachRounding) {
   for (int len = 1; len <= 70; ++len) {
     const int limit = len % 3 == 0 ? 32767 : 40;
     const Guarded<std::int16_t> a(wholeNumbers<std::int16_t>(random, static_cast<std::size_t>(len), limit),
-                                  len % 16 * 2);
+                                  static_cast<std::size_t>(len % 16 * 2));
     const Guarded<std::int16_t> b(wholeNumbers<std::int16_t>(random, static_cast<std::size_t>(len), limit),
-                                  len / 3 % 16 * 2);
+                                  static_cast<std::size_t>(len / 3 % 16 * 2));
     double aa = 0, bb = 0, ab = 0;
     for (std::size_t i = 0; i < static_cast<std::size_t>(len); ++i) {
       aa += a.at(i) * a.at(i);
