@@ -67,8 +67,8 @@ struct LongSignal {
 };
 
 #if ORV_BENCH_FFTW
-// The same through FFTW with measured plans: plans, like our object, are made in each call's place only where
-// ours is. Ours builds and releases its object in the call, so this peer has the advantage.
+// The same through FFTW with measured plans, which are made before the measurement. Ours builds and releases
+// its object within the call, so this peer has the advantage.
 struct PlannedSignal : LongSignal {
   static constexpr int n = 2 * len;
   Array<float> padded = Array<float>(n), spectrum = Array<float>(n + 2);

@@ -121,7 +121,7 @@ TEST(LpConversions, StopsTheStepDownAtExactlyOne) {
   EXPECT_EQ(orvsLPToReflection_32f(beyond, k, 2), orvStsNoErr);
   EXPECT_EQ(k[1], -2);
   EXPECT_NEAR(k[0], -(0.5 - 1) / (1 - 4), 1e-6);
-  const float inner[] = {1.5F, 0.5F, 0};  // A[0] = (0.5 * -0.5 * ... ) comes out at 1 one order further down
+  const float inner[] = {1.5F, 0.5F, 0};  // 1.5 / (1 + 0.5) is 1, one order further down
   EXPECT_EQ(orvsLPToReflection_32f(lower, k, 3), orvStsNoErr);
   k[0] = 7;
   EXPECT_EQ(orvsLPToReflection_32f(inner, k, 3), orvStsLpUnstableErr);
@@ -182,8 +182,8 @@ TEST(LineSpectrum, FindsInterlacedRootsAndRebuildsThePredictor) {
 }
 
 TEST(LineSpectrum, ReportsWhatACoarseGridFound) {
-  // Lines at 0.55 and 0.5 belong to the two polynomials and lie in one cell; so do 0.52 and 0.5 of one
-  // polynomial.
+  // Three lines within 0.01, two of them of one polynomial: a fine grid tells them apart, a coarse one does
+  // not.
   const Singles close{0.9F, 0.52F, 0.515F, 0.51F};
   Singles a(4), lines(4, 7);
   ASSERT_EQ(orvsLSPToLP_32f(close.data(), a.data(), 4), orvStsNoErr);
