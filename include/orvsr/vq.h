@@ -78,6 +78,87 @@ ORV_API OrvStatus orvsDTW_L2Low_16s32s_D2Sfs(const int16_t *pSrc1, int32_t heigh
 
 /** @} */
 
+/**
+ * @defgroup formvector Vectors from indices of code vectors
+ *
+ *     pDst = row pInds[0] of ppTables[0], row pInds[1] of ppTables[1], ...
+ *
+ * a vector put together from streams, each of which is a row of a table of its own: what a front end receives
+ * that gets indices instead of features.
+ *
+ * Arguments:
+ * - pInds: one index for each stream.
+ * - ppTables: one table for each stream; its entries are not tested for null.
+ * - pSizes: rows of each table.
+ * - pWidths, pSteps: values of a row, and values from one row to the next, of each table. The 2i forms have
+ * tables of pairs and the 4i forms tables of fours, without gaps, and no such arguments.
+ * - nStreams: number of streams, 1 or more.
+ * - pDst: the vector, written: as many values as all widths together, or len / 2 * 2, or len / 4 * 4.
+ * - len: values of the vector, 1 or more. It is divided by 2 or 4, truncating, for the number of streams; 1
+ * value of the 2i forms, or fewer than 4 of the 4i forms, are no stream, and nothing is read or written.
+ *
+ * Statuses: orvStsNullPtrErr (any pointer null), orvStsSizeErr (nStreams or len below 1; a width or step
+ * below 1; an index below 0, or not below its size), orvStsNoErr. All streams are tested before anything is
+ * written.
+ *
+ * Source of the method: A. Gersho and R. M. Gray, Vector Quantization and Signal Compression, 1992, chapter
+ * 12 (product codes).
+ * @{
+ */
+
+/** 16s vectors from 16s indices. */
+ORV_API OrvStatus orvsFormVector_16s16s(const int16_t *pInds, const int16_t *const *ppTables,
+                                        const int32_t *pSizes, const int32_t *pWidths, const int32_t *pSteps,
+                                        int32_t nStreams, int16_t *pDst);
+
+/** 16s vectors from 8u indices. */
+ORV_API OrvStatus orvsFormVector_8u16s(const uint8_t *pInds, const int16_t *const *ppTables,
+                                       const int32_t *pSizes, const int32_t *pWidths, const int32_t *pSteps,
+                                       int32_t nStreams, int16_t *pDst);
+
+/** 32f vectors from 16s indices. */
+ORV_API OrvStatus orvsFormVector_16s32f(const int16_t *pInds, const float *const *ppTables,
+                                        const int32_t *pSizes, const int32_t *pWidths, const int32_t *pSteps,
+                                        int32_t nStreams, float *pDst);
+
+/** 32f vectors from 8u indices. */
+ORV_API OrvStatus orvsFormVector_8u32f(const uint8_t *pInds, const float *const *ppTables,
+                                       const int32_t *pSizes, const int32_t *pWidths, const int32_t *pSteps,
+                                       int32_t nStreams, float *pDst);
+
+/** Pairs of 16s values from 16s indices. */
+ORV_API OrvStatus orvsFormVector_2i_16s16s(const int16_t *pInds, const int16_t *const *ppTables,
+                                           const int32_t *pSizes, int16_t *pDst, int32_t len);
+
+/** Pairs of 16s values from 8u indices. */
+ORV_API OrvStatus orvsFormVector_2i_8u16s(const uint8_t *pInds, const int16_t *const *ppTables,
+                                          const int32_t *pSizes, int16_t *pDst, int32_t len);
+
+/** Pairs of 32f values from 16s indices. */
+ORV_API OrvStatus orvsFormVector_2i_16s32f(const int16_t *pInds, const float *const *ppTables,
+                                           const int32_t *pSizes, float *pDst, int32_t len);
+
+/** Pairs of 32f values from 8u indices. */
+ORV_API OrvStatus orvsFormVector_2i_8u32f(const uint8_t *pInds, const float *const *ppTables,
+                                          const int32_t *pSizes, float *pDst, int32_t len);
+
+/** Fours of 16s values from 16s indices. */
+ORV_API OrvStatus orvsFormVector_4i_16s16s(const int16_t *pInds, const int16_t *const *ppTables,
+                                           const int32_t *pSizes, int16_t *pDst, int32_t len);
+
+/** Fours of 16s values from 8u indices. */
+ORV_API OrvStatus orvsFormVector_4i_8u16s(const uint8_t *pInds, const int16_t *const *ppTables,
+                                          const int32_t *pSizes, int16_t *pDst, int32_t len);
+
+/** Fours of 32f values from 16s indices. */
+ORV_API OrvStatus orvsFormVector_4i_16s32f(const int16_t *pInds, const float *const *ppTables,
+                                           const int32_t *pSizes, float *pDst, int32_t len);
+
+/** Fours of 32f values from 8u indices. */
+ORV_API OrvStatus orvsFormVector_4i_8u32f(const uint8_t *pInds, const float *const *ppTables,
+                                          const int32_t *pSizes, float *pDst, int32_t len);
+
+/** @} */
 
 #ifdef __cplusplus
 }
