@@ -156,9 +156,18 @@ void addMixtures() {
 
 }  // namespace
 
+void addGaussFrameCases();
+void addGaussComponentCases();
+void addGaussSingleCases();
+void addMatrixFormCases();
+
 void addGaussCases() {
   addFrameBlocks();
   addMixtures();
+  addGaussFrameCases();
+  addGaussComponentCases();
+  addGaussSingleCases();
+  addMatrixFormCases();
 }
 
 }  // namespace orv::bench

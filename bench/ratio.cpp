@@ -42,26 +42,93 @@ void RatioTable::ReportRuns(const std::vector<Run> &runs) {
   }
 }
 
+std::optional<double> RatioTable::time(const std::string &contender) const {
+  const auto times = times_.find(contender);
+  if (times == times_.end()) return std::nullopt;
+  return median(times->second);
+}
+
 void RatioTable::Finalize() {
+  writeCases();
+  writeCells();
+}
+
+void RatioTable::writeCases() const {
   std::size_t width = 0;
-  for (const Peer &peer : Case::peers()) width = std::max(width, peer.caseName.size());
+  for (const Peer &peer : Case::peers())
+    if (peer.cell.empty()) width = std::max(width, peer.caseName.size());
   const int column = static_cast<int>(width);
   std::printf("%-*s  %-17s %10s %10s %9s %8s\n", column, "case", "peer", "ours", "peer", "ratio", "target");
   for (const Peer &peer : Case::peers()) {
-    const auto ours = times_.find(peer.caseName + "/ours");
-    if (ours == times_.end()) continue;
+    const auto ours = time(peer.caseName + "/ours");
+    if (!ours || !peer.cell.empty()) continue;
     std::printf("%-*s  %-17s ", column, peer.caseName.c_str(), peer.name.c_str());
-    const auto theirs = times_.find(peer.caseName + "/" + peer.name);
-    if (!peer.known && theirs == times_.end()) {
+    const auto theirs = peer.known ? peer.known : time(peer.caseName + "/" + peer.name);
+    if (!theirs) {
       std::printf("%10s\n", peer.installed ? "not run" : "not installed");
       continue;
     }
-    const double time = peer.known ? *peer.known : median(theirs->second);
-    const double oursTime = median(ours->second);
-    const double ratio = time / oursTime;
-    std::printf("%10s %10s %9.2f", readable(oursTime).c_str(), readable(time).c_str(), ratio);
+    const double ratio = *theirs / *ours;
+    std::printf("%10s %10s %9.2f", readable(*ours).c_str(), readable(*theirs).c_str(), ratio);
     if (peer.target > 0.0) std::printf(" %8.2f  %s", peer.target, ratio >= peer.target ? "ok" : "short");
     std::printf("\n");
+  }
+}
+
+// Ratios only. The target is that of one of the cells, which is marked. Rows that have no cell in common
+// stand in different tables.
+void RatioTable::writeCells() const {
+  struct Table {
+    std::vector<std::string> cells;
+    std::vector<const Peer *> rows;  // the first cell of each
+    std::size_t width = 0;
+  };
+  const auto sameRow = [](const Peer *a, const Peer *b) { return a->row == b->row && a->name == b->name; };
+  std::vector<Table> tables;
+  for (const Peer &peer : Case::peers()) {
+    if (peer.cell.empty() || !time(peer.caseName + "/" + peer.name)) continue;
+    const auto isRow = [&](const Peer *other) { return sameRow(other, &peer); };
+    const auto has = [&](const Table &t) {
+      return std::find(t.cells.begin(), t.cells.end(), peer.cell) != t.cells.end() ||
+             std::any_of(t.rows.begin(), t.rows.end(),
+                         [&](const Peer *other) { return other->row == peer.row; });
+    };
+    auto table = std::find_if(tables.begin(), tables.end(), has);
+    if (table == tables.end()) table = tables.insert(tables.end(), Table());
+    if (std::find(table->cells.begin(), table->cells.end(), peer.cell) == table->cells.end())
+      table->cells.push_back(peer.cell);
+    if (std::none_of(table->rows.begin(), table->rows.end(), isRow)) table->rows.push_back(&peer);
+    table->width = std::max(table->width, peer.row.size());
+  }
+
+  for (const Table &table : tables) {
+    const int column = static_cast<int>(table.width);
+    std::printf("\n%-*s  %-17s", column, "ratio by size", "peer");
+    for (const std::string &cell : table.cells) std::printf(" %8s", cell.c_str());
+    std::printf("   target\n");
+    for (const Peer *row : table.rows) {
+      std::printf("%-*s  %-17s", column, row->row.c_str(), row->name.c_str());
+      std::string verdict;
+      for (const std::string &cell : table.cells) {
+        const auto peer = std::find_if(Case::peers().begin(), Case::peers().end(),
+                                       [&](const Peer &p) { return sameRow(&p, row) && p.cell == cell; });
+        const auto ours = time(row->row + "/" + cell + "/ours");
+        const auto theirs = time(row->row + "/" + cell + "/" + row->name);
+        if (!ours || !theirs || peer == Case::peers().end()) {
+          std::printf(" %8s", "");
+          continue;
+        }
+        const double ratio = *theirs / *ours;
+        std::printf(" %7.2f%s", ratio, peer->target > 0.0 ? "*" : " ");
+        if (peer->target > 0.0) {
+          char text[32];
+          std::snprintf(text, sizeof text, " %8.2f  %s", peer->target,
+                        ratio >= peer->target ? "ok" : "short");
+          verdict = text;
+        }
+      }
+      std::printf("%s\n", verdict.c_str());
+    }
   }
 }
 

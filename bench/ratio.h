@@ -6,6 +6,13 @@
 //
 // Each contender is given as a function that prepares its data and returns the work of one iteration. After
 // the run a table shows for each peer the ratio of its time to ours, and whether it reaches the target.
+//
+// A case of many sizes is a row of a second table, with a cell for each size:
+//
+//     for (const Size size : sizes)
+//       Case("gauss/MahDist_32f_D2", size.text()).ours(...).peer("plain scalar", size.aim(4.0), ...);
+//
+// There are hundreds of cells. They are measured more briefly.
 
 #ifndef ORV_BENCH_RATIO_H
 #define ORV_BENCH_RATIO_H
@@ -21,6 +28,7 @@ namespace orv::bench {
 
 struct Peer {
   std::string caseName;
+  std::string row, cell;  // of the second table, where there is a cell
   std::string name;
   double target;  // least ratio aimed at, 0 where none is
   bool installed = true;
@@ -29,7 +37,8 @@ struct Peer {
 
 class Case {
  public:
-  explicit Case(const std::string &name) : name_(name) {}
+  explicit Case(const std::string &name) : name_(name), row_(name) {}
+  Case(const std::string &row, const std::string &cell) : name_(row + "/" + cell), row_(row), cell_(cell) {}
 
   template <class Prepare>
   Case &ours(Prepare prepare) {
@@ -37,16 +46,16 @@ class Case {
   }
   template <class Prepare>
   Case &peer(const std::string &name, double target, Prepare prepare) {
-    peers().push_back({name_, name, target, true, std::nullopt});
+    peers().push_back({name_, row_, cell_, name, target, true, std::nullopt});
     return contender(name, prepare);
   }
   // A peer whose time is known: the duration of the signal that is worked on, say.
   Case &fixedPeer(const std::string &name, double target, double seconds) {
-    peers().push_back({name_, name, target, true, seconds});
+    peers().push_back({name_, row_, cell_, name, target, true, seconds});
     return *this;
   }
   Case &absentPeer(const std::string &name) {
-    peers().push_back({name_, name, 0.0, false, std::nullopt});
+    peers().push_back({name_, row_, cell_, name, 0.0, false, std::nullopt});
     return *this;
   }
 
@@ -55,20 +64,22 @@ class Case {
  private:
   template <class Prepare>
   Case &contender(const std::string &contender, Prepare prepare) {
-    benchmark::RegisterBenchmark((name_ + "/" + contender).c_str(), [prepare](benchmark::State &state) {
-      auto work = prepare();
-      for (auto _ : state) {
-        work();
-        benchmark::ClobberMemory();
-      }
-    });
+    auto *const registered =
+        benchmark::RegisterBenchmark((name_ + "/" + contender).c_str(), [prepare](benchmark::State &state) {
+          auto work = prepare();
+          for (auto _ : state) {
+            work();
+            benchmark::ClobberMemory();
+          }
+        });
+    if (!cell_.empty()) registered->Repetitions(7)->MinTime(0.002);
     return *this;
   }
 
-  std::string name_;
+  std::string name_, row_, cell_;
 };
 
-// Collects the processor time of every repetition; writes the table of medians and ratios when all are done.
+// Collects the processor time of every repetition; writes the tables of medians and ratios when all are done.
 class RatioTable : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context &) override { return true; }
@@ -76,6 +87,11 @@ class RatioTable : public benchmark::BenchmarkReporter {
   void Finalize() override;
 
  private:
+  void writeCases() const;
+  void writeCells() const;
+  // The median time of a contender, where it has run.
+  std::optional<double> time(const std::string &contender) const;
+
   // Seconds of one iteration, for each repetition of each contender.
   std::map<std::string, std::vector<double>> times_;
 };
