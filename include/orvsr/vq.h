@@ -1,6 +1,6 @@
 /**
  * @file vq.h
- * Template matching: dynamic time warping.
+ * Vector quantisation and template matching.
  */
 #ifndef ORVSR_VQ_H
 #define ORVSR_VQ_H
@@ -10,6 +10,146 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* ---------------------------------------------------------------- codebooks */
+
+/** A codebook: code vectors with a search structure, of 32f or of 16s elements. */
+typedef struct CdbkState CdbkState;
+
+/** How a codebook is built. */
+enum {
+  CDBK_DIRECT = 1,       /**< every input row is a code vector, in input order */
+  CDBK_SPLIT_SPREAD = 2, /**< a tree grown by splitting the cluster of largest spread */
+  CDBK_SPLIT_COUNT = 3   /**< a tree grown by splitting the most populous cluster whose spread is above zero */
+};
+
+/**
+ * @defgroup codebook Building a codebook
+ *
+ * The distance of two vectors is the weighted squared one,
+ *
+ *     d(x, y) = sum over k of (x[k] - y[k])^2 w[k]
+ *
+ * in single precision for both element types. Comparisons of distances are tolerant by a factor of 1.000001,
+ * so that the same data always give the same codebook.
+ *
+ * CDBK_DIRECT copies all height rows. If 11 rows or more have one or two elements, a field of cells over
+ * their range is built where it makes searches cheaper. The tree methods begin with one cluster of all rows.
+ * Up to cdbkSize - 1 times they choose a cluster by spread (twice the largest distance of a member to the
+ * centroid) or by count, move the half of its members that is nearest to its centroid into a new cluster, and
+ * reassign all rows to their nearest centroids in at most 20 rounds; no cluster ever empties. Code vectors
+ * are the centroids, means of their rows, which the 16s form rounds to nearest (ties to even). Every leaf
+ * knows its nearest neighbours.
+ *
+ * Arguments:
+ * - ppCdbk: receives the object, on success and with a warning only. Not tested for null.
+ * - pSrc: height rows of width elements, step elements apart.
+ * - pWeights: width weights, none negative; copied. Without them all weights are one.
+ * - width, step, height: 1 or more, width <= step.
+ * - cdbkSize: code vectors asked for, 1 to 16383 and at most height.
+ * - method: CDBK_DIRECT, CDBK_SPLIT_SPREAD or CDBK_SPLIT_COUNT.
+ *
+ * Statuses of InitAlloc: of the form without weights first orvStsSizeErr (width below 1) and
+ * orvStsMemAllocErr (its weights); then orvStsNullPtrErr (pSrc or pWeights null), orvStsSizeErr (a size out
+ * of its range), orvStsBadArgErr (a negative weight), orvStsMemAllocErr, orvStsCdbkMethodErr (a method that
+ * is not known; tested after the object was allocated), and while growing orvStsBadArgErr (the halves of a
+ * cluster cannot be told apart: 1000 attempts to move their centroids apart were in vain) and
+ * orvStsMemAllocErr; orvStsCdbkShortWrn (the codebook does not have cdbkSize rows: CDBK_DIRECT holds height
+ * of them, and a tree stops growing where no cluster has a spread); orvStsNoErr. Nothing is held after an
+ * error.
+ *
+ * A codebook is not changed once it is built, except for scratch memory that the exhaustive searches write.
+ *
+ * Source of the method: Y. Linde, A. Buzo, R. M. Gray, An algorithm for vector quantizer design, IEEE Trans.
+ * COM 28 (1980); A. Gersho, R. M. Gray, Vector Quantization and Signal Compression (1992), section 11.4 and
+ * chapter 12.
+ * @{
+ */
+
+/** Builds a codebook of 32f vectors, all weights one. */
+ORV_API OrvStatus orvsCdbkInitAlloc_L2_32f(CdbkState **ppCdbk, const float *pSrc, int32_t width, int32_t step,
+                                           int32_t height, int32_t cdbkSize, int32_t method);
+
+/** Builds a codebook of 16s vectors, all weights one. */
+ORV_API OrvStatus orvsCdbkInitAlloc_L2_16s(CdbkState **ppCdbk, const int16_t *pSrc, int32_t width,
+                                           int32_t step, int32_t height, int32_t cdbkSize, int32_t method);
+
+/** Builds a codebook of 32f vectors with weights. */
+ORV_API OrvStatus orvsCdbkInitAlloc_WgtL2_32f(CdbkState **ppCdbk, const float *pSrc, const float *pWeights,
+                                              int32_t width, int32_t step, int32_t height, int32_t cdbkSize,
+                                              int32_t method);
+
+/** Builds a codebook of 16s vectors with weights. */
+ORV_API OrvStatus orvsCdbkInitAlloc_WgtL2_16s(CdbkState **ppCdbk, const int16_t *pSrc,
+                                              const int16_t *pWeights, int32_t width, int32_t step,
+                                              int32_t height, int32_t cdbkSize, int32_t method);
+
+/**
+ * Builds a codebook of 32f vectors in caller memory: every row is a code vector, all weights are one, and
+ * there is no field.
+ *
+ * @param pCdbk    memory of the size that orvsCdbkGetSize_32f() reports, at any address
+ * @param cdbkSize equal to height
+ * @param method   stored as it is; anything but the two tree methods
+ *
+ * orvStsCdbkMethodErr (a tree method), orvStsNullPtrErr (pCdbk or pSrc null), orvStsSizeErr (width, step,
+ * height or cdbkSize below 1, width above step, cdbkSize above 16383 or not equal to height, or a size that
+ * orvsCdbkGetSize_32f() refuses), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCdbkInit_L2_32f(CdbkState *pCdbk, const float *pSrc, int32_t width, int32_t step,
+                                      int32_t height, int32_t cdbkSize, int32_t method);
+
+/** The same for 16s vectors and orvsCdbkGetSize_16s(). */
+ORV_API OrvStatus orvsCdbkInit_L2_16s(CdbkState *pCdbk, const int16_t *pSrc, int32_t width, int32_t step,
+                                      int32_t height, int32_t cdbkSize, int32_t method);
+
+/**
+ * Bytes of memory for orvsCdbkInit_L2_32f():
+ *
+ *     (width + cdbkSize + s cdbkSize) 4 + 176
+ *
+ * with s the step rounded up to a multiple of 8, or the width if that is 1, 2 or 4. Objects that the library
+ * allocates itself have strides of their own.
+ *
+ * orvStsCdbkMethodErr (a tree method), orvStsNullPtrErr (pSize null), orvStsSizeErr (as
+ * orvsCdbkInit_L2_32f(), or more bytes than pSize can hold), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCdbkGetSize_32f(int32_t width, int32_t step, int32_t height, int32_t cdbkSize,
+                                      int32_t method, int32_t *pSize);
+
+/** Bytes of memory for orvsCdbkInit_L2_16s(): cdbkSize 4 + 208 + (width + s cdbkSize) 2. Statuses as above.
+ */
+ORV_API OrvStatus orvsCdbkGetSize_16s(int32_t width, int32_t step, int32_t height, int32_t cdbkSize,
+                                      int32_t method, int32_t *pSize);
+
+/**
+ * Releases a codebook that an InitAlloc function of the same type built.
+ * orvStsNullPtrErr (pCdbk or the rows in it null), orvStsCdbkKindErr (the method in it is none of the three:
+ * nothing is released), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsCdbkFree_32f(CdbkState *pCdbk);
+
+/** The same for 16s vectors. */
+ORV_API OrvStatus orvsCdbkFree_16s(CdbkState *pCdbk);
+
+/** The number of code vectors. orvStsNullPtrErr, orvStsNoErr. */
+ORV_API OrvStatus orvsGetCdbkSize_32f(const CdbkState *pCdbk, int32_t *pSize);
+
+/** The number of code vectors. orvStsNullPtrErr, orvStsNoErr. */
+ORV_API OrvStatus orvsGetCdbkSize_16s(const CdbkState *pCdbk, int32_t *pSize);
+
+/**
+ * Copies the code vectors in the order of their indices to rows of pDst, step elements apart.
+ * orvStsNullPtrErr, orvStsSizeErr (step below 1 or below the width of the codebook), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsGetCodebook_32f(const CdbkState *pCdbk, float *pDst, int32_t step);
+
+/** The same for 16s vectors. */
+ORV_API OrvStatus orvsGetCodebook_16s(const CdbkState *pCdbk, int16_t *pDst, int32_t step);
+
+/** @} */
+
+/* ---------------------------------------------------------------- template matching */
 
 /**
  * @defgroup dtw Distance of two sequences by dynamic time warping
