@@ -2,12 +2,14 @@
 
 #include "orvsr/matrix.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
 #include "bench/data.h"
 #include "bench/ratio.h"
+#include "primitives/arithmetic.h"
 
 #if ORV_BENCH_EIGEN
 #include <Eigen/Core>
@@ -131,11 +133,59 @@ void addProducts() {
   }
 }
 
+// --- maps of single elements, beside loops that call libm
+
+template <class T>
+struct Mapped {
+  static constexpr std::int32_t len = 1024;
+  Array<T> from, to = Array<T>(len);
+  Mapped(double low, double high) : from(uniform<T>(len, low, high, 1)) {}
+};
+
+template <class T, class Work>
+auto mapped(double low, double high, Work work) {
+  return [=] { return [work, in = Mapped<T>(low, high)]() mutable { work(in); }; };
+}
+
+[[gnu::noinline]] void plainLn(Mapped<std::int32_t> &in) {
+  for (std::size_t i = 0; i < in.from.size(); ++i) {
+    const std::int32_t x = in.from[i];
+    in.to[i] = x > 0 ? static_cast<std::int32_t>(std::log(static_cast<double>(x)) * 1024.0 + 0.5) : INT32_MIN;
+  }
+}
+[[gnu::noinline]] void plainExpNegSqr(Mapped<float> &in) {
+  for (std::size_t i = 0; i < in.from.size(); ++i)
+    in.to[i] = static_cast<float>(std::exp(static_cast<double>(-(in.from[i] * in.from[i]))));
+}
+// In place, as ours: the numbers end at 1.
+[[gnu::noinline]] void plainRecSqrt(Mapped<float> &in) {
+  for (float &x : in.from) x = x < 0.01F ? 0.01F : 1.0F / std::sqrt(x);
+}
+
+void addMaps() {
+  using Integers = Mapped<std::int32_t>;
+  Case("matrix/Ln_32s_Sfs/1024")
+      .ours(mapped<std::int32_t>(
+          1, 2e9, [](Integers &in) { orvsLn_32s_Sfs(in.from.data(), in.to.data(), in.len, -10); }))
+      .peer("libm", 1.0, mapped<std::int32_t>(1, 2e9, plainLn));
+  using Reals = Mapped<float>;
+  Case("matrix/ExpNegSqr_32f/1024")
+      .ours(mapped<float>(-3, 3, [](Reals &in) { orvsExpNegSqr_32f(in.from.data(), in.to.data(), in.len); }))
+      .peer("libm", 1.0, mapped<float>(-3, 3, plainExpNegSqr));
+  Case("matrix/RecSqrt_32f/1024")
+      .ours(mapped<float>(0.1, 10, [](Reals &in) { orvsRecSqrt_32f(in.from.data(), in.len, 0.01F); }))
+      .peer("libm", 1.0, mapped<float>(0.1, 10, plainRecSqrt));
+}
+
 }  // namespace
+
+void addSvdCases();
 
 void addMatrixCases() {
   addSums();
   addProducts();
+  addMaps();
+  addSvdCases();
 }
 
 }  // namespace orv::bench

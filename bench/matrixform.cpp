@@ -10,27 +10,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "bench/data.h"
+#include "bench/openblas.h"
 #include "bench/ratio.h"
 #include "orvsr/gauss.h"
-
-#if ORV_BENCH_OPENBLAS
-extern "C" {
-void sgemm_(const char *, const char *, const int *, const int *, const int *, const float *, const float *,
-            const int *, const float *, const int *, const float *, float *, const int *);
-void sgemv_(const char *, const int *, const int *, const float *, const float *, const int *, const float *,
-            const int *, const float *, float *, const int *);
-void openblas_set_num_threads(int);
-char *openblas_get_corename(void);
-// The kernels in use, and how OpenBLAS chooses them at its start.
-extern void *gotoblas;
-void gotoblas_dynamic_init(void);
-}
-#endif
 
 namespace orv::bench {
 namespace {
@@ -60,21 +48,6 @@ struct Batch {
 };
 
 #if ORV_BENCH_OPENBLAS
-void useKernels(const char *name) {
-  if (name == nullptr)
-    unsetenv("OPENBLAS_CORETYPE");
-  else
-    setenv("OPENBLAS_CORETYPE", name, 1);
-  gotoblas = nullptr;
-  gotoblas_dynamic_init();
-  openblas_set_num_threads(1);
-}
-
-std::string nameOfKernels(const char *name) {
-  useKernels(name);
-  return std::string("OpenBLAS ") + openblas_get_corename();
-}
-
 struct MatrixForm : Batch {
   Array<float> linear, quadratic, squares, scores;
 
