@@ -1,6 +1,6 @@
 /**
  * @file robust.h
- * Speech in noise: spectral peaks and periodicity.
+ * Speech in noise: noise reduction, equalisation, spectral peaks and periodicity.
  */
 #ifndef ORVSR_ROBUST_H
 #define ORVSR_ROBUST_H
@@ -10,6 +10,199 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* ---------------------------------------------------------------- noise reduction by Wiener filters */
+
+/**
+ * @defgroup noisereduction Noise reduction
+ *
+ * The stages of noise reduction by a Wiener filter that is designed anew for every frame: the smoothed power
+ * spectrum, the noise estimate, the gain of each bin, and, behind a mel bank and its inverse transform, the
+ * filter in the time domain. No stage has a memory: the estimates of the frame before are arrays of the
+ * caller's. A result may take the place of the array it is made from.
+ *
+ * The integer forms are not scaled copies of the 32f forms; each states its own constants and truncations. A
+ * shift by a scale factor goes to the right for a positive one, without rounding, and to the left for a
+ * negative one, and takes the low six bits of the count. The 32f forms work in single precision, in the order
+ * of the formulas, and test no value beyond what is stated.
+ *
+ * Source of the method: ETSI ES 202 050, Advanced front-end feature extraction algorithm, 2007, section 5.1;
+ * A. Agarwal and Y. M. Cheng, Two-stage mel-warped Wiener filter for robust speech recognition, ASRU 1999.
+ * @{
+ */
+
+/**
+ * Power spectrum of half the length: mean power of pairs of bins, from a packed spectrum x of len values:
+ * x[0] is bin 0 and x[1] the Nyquist bin, both real, x[2k] and x[2k + 1] are bin k. With Q = len / 4:
+ *
+ *     pDst[0] = (x[0]^2 + x[2]^2 + x[3]^2) / 2
+ *     pDst[k] = (x[4k]^2 + x[4k + 1]^2 + x[4k + 2]^2 + x[4k + 3]^2) / 2,   k = 1 .. Q - 1
+ *     pDst[Q] = x[1]^2
+ *
+ * pDst has Q + 1 values.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1 or no multiple of 4), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsSmoothedPowerSpectrumAurora_32f(const float *pSrc, float *pDst, int32_t len);
+/**
+ * As orvsSmoothedPowerSpectrumAurora_32f(); each square but the last is shifted right by one before it is
+ * added. Sums are formed in 32 bits, where four squares of -32768 wrap to the most negative number, and
+ * saturate to 16.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsSmoothedPowerSpectrumAurora_16s(const int16_t *pSrc, int16_t *pDst, int32_t len);
+/**
+ * As orvsSmoothedPowerSpectrumAurora_32f() in 64 bits, each square but the last being shifted right by one
+ * before it is added; shifted by scaleFactor and saturated. The square in pDst[Q] alone wraps in 32 bits
+ * first, from |x[1]| = 46341 on.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsSmoothedPowerSpectrumAurora_32s_Sfs(const int32_t *pSrc, int32_t *pDst, int32_t len,
+                                                          int32_t scaleFactor);
+/**
+ * As orvsSmoothedPowerSpectrumAurora_32s_Sfs(), not saturated.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsSmoothedPowerSpectrumAurora_32s64s_Sfs(const int32_t *pSrc, int64_t *pDst, int32_t len,
+                                                             int32_t scaleFactor);
+
+/**
+ * Noise estimate of a frame, from its spectrum a and the estimate b before, len values each:
+ *
+ *     pNoise[i] = b (a / (a + b) * 0.1 * (b / (0.1 a + b) + 1) + 0.9)
+ *
+ * and 0 where a + b or 0.1 a + b lies below 1e-6.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsNoiseSpectrumUpdate_Aurora_32f(const float *pSpectrum, const float *pNoisePrev,
+                                                     float *pNoise, int32_t len);
+/**
+ * As orvsNoiseSpectrumUpdate_Aurora_32f(), in single precision, times 2^-scaleFactor, saturated and truncated
+ * toward zero; 0 where a + b is 0, or 0.1 a + b truncates to 0.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsNoiseSpectrumUpdate_Aurora_16s_Sfs(const int16_t *pSpectrum, const int16_t *pNoisePrev,
+                                                         int16_t *pNoise, int32_t len, int32_t scaleFactor);
+/**
+ * As orvsNoiseSpectrumUpdate_Aurora_16s_Sfs(), with the divisors formed as 32-bit integers that wrap: a + b,
+ * and 0.1 a truncated, plus b; 0 where either is 0. A result of 2^31 or more becomes -2147483648, unlike in
+ * the 16s form.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsNoiseSpectrumUpdate_Aurora_32s_Sfs(const int32_t *pSpectrum, const int32_t *pNoisePrev,
+                                                         int32_t *pNoise, int32_t len, int32_t scaleFactor);
+
+/**
+ * Wiener gain of each of len bins, from spectrum X, noise N and the denoised spectrum P of the frame before:
+ *
+ *     r = 1 / N,   e = (max(0, X - N) * 0.02 + P * 0.98) * r,   h = e / (1 + e)
+ *     g = max(X * h * r, 0.07943282),   pGain[i] = g / (1 + g)
+ *
+ * A NaN on the way to g, as from N = 0, gives the gain of the floor, 0.07943282 / 1.07943282.
+ * orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsWienerFilterDesign_Aurora_32f(const float *pSpectrum, const float *pNoise,
+                                                    const float *pDenoisedPrev, float *pGain, int32_t len);
+/**
+ * As orvsWienerFilterDesign_Aurora_32f(), for integers that are not negative; the gain is Q14. All quotients
+ * truncate toward zero, all products are of 64 bits:
+ *
+ *     r = 16384 / N,   e = ((4014 P + 82 max(0, X - N)) r) >> 14,   h = 16384 e / (e + 4096)
+ *     g = max(((X h) >> 14) r, 1301),   pGain[i] = 128 g / ((g >> 7) + 128)
+ *
+ * and 1206, the gain of the floor, where N is 0. So noise should be small against 16384, above which the
+ * floor is all that is left.
+ * orvStsNullPtrErr, orvStsSizeErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsWienerFilterDesign_Aurora_16s(const int16_t *pSpectrum, const int16_t *pNoise,
+                                                    const int16_t *pDenoisedPrev, int16_t *pGain,
+                                                    int32_t len);
+
+/**
+ * The 17 taps of orvsResidualFilter_Aurora_32f() from a response t of 10 values: t[8] .. t[1], t[0] in the
+ * centre, t[2] .. t[9]. The wings differ by one place.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsTabsCalculation_Aurora_32f(const float *pSrc, float *pTaps);
+/** As orvsTabsCalculation_Aurora_32f(). */
+ORV_API OrvStatus orvsTabsCalculation_Aurora_16s(const int16_t *pSrc, int16_t *pTaps);
+
+/**
+ * Filters a frame: pDst[n] = sum of pSrc[n + k] * pTaps[k] over k = 0 .. 16, n = 0 .. 79. pSrc has 96
+ * values, the first of them 8 before the frame; pDst does not overlap it.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsResidualFilter_Aurora_32f(const float *pSrc, float *pDst, const float *pTaps);
+/**
+ * As orvsResidualFilter_Aurora_32f(), summed in 64 bits, shifted by scaleFactor and saturated.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsResidualFilter_Aurora_16s_Sfs(const int16_t *pSrc, int16_t *pDst, const int16_t *pTaps,
+                                                    int32_t scaleFactor);
+/** @} */
+
+/* ---------------------------------------------------------------- waveforms and cepstra */
+
+/**
+ * @defgroup waveprocessing Wave processing
+ *
+ * Raises, in a frame x of 200 samples, the part of each period that follows a peak of energy and lowers the
+ * rest of it.
+ *
+ * Energy: e[i] = |x[i]^2 - x[i - 1] x[i + 1]|, and |(x[0] - x[1]) x[0]|, |(x[199] - x[198]) x[199]| at the
+ * ends; s[i] is the sum of e[i - 4] .. e[i + 4], the ends repeated, formed as the running sum s + (entering -
+ * leaving). The main peak is the largest s. To its right, as long as a peak c lies below 175, the next is
+ * the largest s from c + 25 to c + 79; to its left, as long as c lies above 25, from c - 79 to c - 25, within
+ * the frame; the first of equals. With z = q - 4 + part of d for a peak q with d samples to the next, or for
+ * the last one since the one before, the samples q - 4 .. z - 1 are raised, but the first and the last of
+ * them, and q - 5 and z, keep their value. At an end of the frame nothing of that is left out but what lies
+ * beyond it, and sample 0 is raised. All other samples are lowered.
+ * pDst may be pSrc.
+ *
+ * Source of the method: D. Macho and Y. M. Cheng, SNR-dependent waveform processing for improving the
+ * robustness of ASR front-end, ICASSP 2001; ETSI ES 202 050, section 5.2.
+ * @{
+ */
+
+/**
+ * Factors 1.2 and 0.8, part 0.8. Single precision; a frame with a NaN has some peaks or other.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsWaveProcessing_Aurora_32f(const float *pSrc, float *pDst);
+/**
+ * Factors 38 / 32 and 27 / 32, the products rounded to nearest, ties to even, and saturated; part 27 / 32,
+ * truncated: not those of the 32f form. Energies and their sums are of 32 bits; sums wrap.
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
+ORV_API OrvStatus orvsWaveProcessing_Aurora_16s(const int16_t *pSrc, int16_t *pDst);
+/** @} */
+
+/**
+ * @defgroup blindequalization Blind equalisation
+ *
+ * Takes a bias off a cepstrum of len values, and moves the bias towards what makes the cepstrum the
+ * reference, the faster the louder the frame:
+ *
+ *     c = pCep[i] - pBias[i],   pCep[i] = c,   pBias[i] = pBias[i] + (c - pRef[i]) u
+ *
+ * one element after the other, which holds for arrays that overlap too.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1), orvStsNoErr.
+ *
+ * Source of the method: L. Mauuary, Blind equalization in the cepstral domain for robust telephone based
+ * speech recognition, EUSIPCO 1998; ETSI ES 202 050, section 5.4.
+ * @{
+ */
+
+/** u = min(1, max(0, logEnergy - 3.296875)) * 0.0087890625, logEnergy being natural. */
+ORV_API OrvStatus orvsBlindEqualization_Aurora_32f(const float *pRef, float *pCep, float *pBias, int32_t len,
+                                                   float logEnergy);
+/**
+ * logEnergy is Q6: u = min(64, max(0, logEnergy - 211)) * 9, and products with it are shifted right by 16.
+ * Both results saturate to 16 bits; the bias follows c as it was before that.
+ */
+ORV_API OrvStatus orvsBlindEqualization_Aurora_16s(const int16_t *pRef, int16_t *pCep, int16_t *pBias,
+                                                   int32_t len, int32_t logEnergy);
+/** @} */
 
 /**
  * @defgroup findpeaks Local maxima of a curve
