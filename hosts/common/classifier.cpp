@@ -29,6 +29,7 @@ std::vector<double> fullScores(const Model &model, const Frames &features) {
 Decision Classifier::decide(const Recording &recording) {
   refuseSilence(recording);
   chain_.compute(recording, features_);
+  model_.transform.apply(features_);
   return decision(fullScores(model_, features_));
 }
 

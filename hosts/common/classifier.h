@@ -32,7 +32,7 @@ class Classifier {
   // Throws Error or UnusableRecording, also for a silent recording.
   Decision decide(const Recording &recording);
 
-  // The features of the recording that was decided on last.
+  // The features of the recording that was decided on last, as the mixtures take them.
   const Frames &features() const { return features_; }
 
  private:

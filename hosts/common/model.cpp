@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -19,7 +20,8 @@ using Json = nlohmann::ordered_json;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char *kFormat = "orv-model";
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
+constexpr int kOldestVersion = 1;  // without a transform
 
 std::string checkSum(const Bytes &bytes) {
   char text[9];
@@ -88,12 +90,37 @@ FeatureOptions featureOptions(const Json &json) {
   return o;
 }
 
-Model fromJson(const Json &json) {
+constexpr std::array<const char *, 3> kTransforms = {"none", "pca", "lda"};
+
+Json toJson(const Transform &transform) {
+  return {{"kind", kTransforms[static_cast<std::size_t>(transform.kind)]},
+          {"mean", transform.mean},
+          {"matrix", matrix(transform.matrix)}};
+}
+
+Transform transformOf(const Json &json, std::int32_t width) {
+  const auto kind = std::find(kTransforms.begin(), kTransforms.end(), json.at("kind").get<std::string>());
+  need(kind != kTransforms.end());
+  Transform transform;
+  transform.kind = static_cast<TransformKind>(kind - kTransforms.begin());
+  if (transform.kind == TransformKind::none) return transform;
+  const Json &rows = json.at("matrix");
+  need(!rows.empty() && rows.size() <= static_cast<std::size_t>(width));
+  transform.matrix = matrix(rows, rows.size(), width);
+  transform.mean = matrix(Json::array({json.at("mean")}), 1, width).values;
+  transform.mean.resize(static_cast<std::size_t>(width));  // without the padding
+  return transform;
+}
+
+Model fromJson(const Json &json, int version) {
   Model model;
   json.at("sampleRate").get_to(model.sampleRate);
   need(model.sampleRate > 0);
   model.features = featureOptions(json.at("features"));
-  const std::int32_t width = model.chain().width();
+  std::int32_t width = model.chain().width();
+  if (version >= 2) model.transform = transformOf(json.at("transform"), width);
+  if (model.transform.kind != TransformKind::none)
+    width = static_cast<std::int32_t>(model.transform.matrix.rows);
   if (const auto fold = json.at("heldOut").get<std::string>(); !fold.empty())
     model.heldOut = Fold::parse(fold);
   for (const Json &entry : json.at("classes")) {
@@ -140,6 +167,7 @@ std::string encode(const Model &model) {
   }
   const Json body = {{"sampleRate", model.sampleRate},
                      {"features", toJson(model.features)},
+                     {"transform", toJson(model.transform)},
                      {"heldOut", model.heldOut.parts == 0 ? "" : model.heldOut.text()},
                      {"classes", std::move(classes)}};
   Bytes bytes = Json::to_cbor(body);
@@ -167,14 +195,14 @@ Model loadModel(const std::filesystem::path &file) {
   } catch (const nlohmann::json::exception &) {
     throw damaged;
   }
-  if (version != kVersion) {
-    throw Error(file, "is a model of version " + std::to_string(version) + "; this program reads version " +
-                          std::to_string(kVersion));
+  if (version < kOldestVersion || version > kVersion) {
+    throw Error(file, "is a model of version " + std::to_string(version) + "; this program reads versions " +
+                          std::to_string(kOldestVersion) + " to " + std::to_string(kVersion));
   }
   try {
     const Bytes &body = outer.at("model").get_binary();
     if (outer.size() != 4 || outer.at("crc32").get<std::string>() != checkSum(body)) throw damaged;
-    return fromJson(Json::from_cbor(body));
+    return fromJson(Json::from_cbor(body), version);
   } catch (const nlohmann::json::exception &) {
     throw damaged;
   } catch (const Error &) {

@@ -1,4 +1,4 @@
-// What training leaves behind: how features are made, and a mixture for each class.
+// What training leaves behind: how features are made and transformed, and a mixture for each class.
 
 #ifndef ORV_HOSTS_COMMON_MODEL_H
 #define ORV_HOSTS_COMMON_MODEL_H
@@ -10,6 +10,7 @@
 #include "common/featurechain.h"
 #include "common/mixture.h"
 #include "common/recordings.h"
+#include "common/transform.h"
 
 namespace orv {
 
@@ -21,6 +22,7 @@ struct Model {
 
   int sampleRate = 0;
   FeatureOptions features;
+  Transform transform;
   Fold heldOut;  // the recordings of each folder that training left out
   std::vector<Class> classes;
 
@@ -31,7 +33,8 @@ struct Model {
 // rest.
 std::string encode(const Model &model);
 
-// Throws Error if the file is missing, no model, of another version, or damaged in any byte.
+// Reads models of version 1 too, which have no transform. Throws Error if the file is missing, no model, of a
+// later version, or damaged in any byte.
 Model loadModel(const std::filesystem::path &file);
 
 }  // namespace orv

@@ -55,6 +55,25 @@ void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
       ->group(group);
 }
 
+void addTransformOptions(CLI::App &command, TransformOptions &options) {
+  static const std::map<std::string, TransformKind> kinds = {{"pca", TransformKind::pca},
+                                                             {"lda", TransformKind::lda}};
+  const std::string group = "Transform";
+  CLI::Option *kind =
+      command
+          .add_option("--transform", options.kind,
+                      "Transform the features linearly. pca: onto their principal components; lda: "
+                      "onto the directions that tell the sounds of the voices apart")
+          ->transform(CLI::CheckedTransformer(kinds))
+          ->option_text("NAME")
+          ->group(group);
+  command.add_option("--dims", options.dims, "Values that the transform keeps; default: all")
+      ->needs(kind)
+      ->option_text("N")
+      ->check(CLI::PositiveNumber)
+      ->group(group);
+}
+
 void addSkipOption(CLI::App &command, bool &skip) {
   command.add_flag("--skip-unusable", skip, "Leave out recordings that are empty, too short or silent");
 }

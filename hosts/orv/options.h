@@ -6,10 +6,12 @@
 #include <CLI/CLI.hpp>
 
 #include "common/featurechain.h"
+#include "common/transform.h"
 
 namespace orv {
 
 void addFeatureOptions(CLI::App &command, FeatureOptions &options);
+void addTransformOptions(CLI::App &command, TransformOptions &options);
 void addSkipOption(CLI::App &command, bool &skip);
 
 }  // namespace orv

@@ -22,6 +22,7 @@ struct Arguments {
   std::vector<std::filesystem::path> folders;
   std::string output, heldOut;
   FeatureOptions features;
+  TransformOptions transform;
   TrainingOptions training;
   bool skip = false;
 };
@@ -48,7 +49,10 @@ Data readData(const Arguments &arguments, const std::vector<RecordingFolder> &fo
   std::optional<FeatureChain> chain;
   Frames features;
   const auto use = [&](std::size_t folder, const Recording &recording) {
-    if (!chain) chain.emplace(arguments.features, recording.sampleRate);
+    if (!chain) {
+      chain.emplace(arguments.features, recording.sampleRate);
+      arguments.transform.check(chain->width());
+    }
     refuseSilence(recording);
     chain->compute(recording, features);
     data.frames[folder].append(features);
@@ -74,8 +78,10 @@ void run(const Arguments &arguments) {
   std::vector<RecordingFolder> folders = findRecordings(arguments.folders);
   for (RecordingFolder &folder : folders) folder.keep(model.heldOut, false);
 
-  const Data data = readData(arguments, folders);
+  Data data = readData(arguments, folders);
   model.sampleRate = data.sampleRate;
+  model.transform = estimateTransform(arguments.transform, data.frames);
+  for (Frames &frames : data.frames) model.transform.apply(frames);
   const std::vector<double> floors = varianceFloors(data.frames, training.varianceFloor);
   // On a terminal the report itself tells how far training is.
   std::optional<Progress> progress;
@@ -122,6 +128,7 @@ void addTrain(CLI::App &app) {
       ->add_option("--variance-floor", training.varianceFloor,
                    "Least variance, as a share of that of all recordings")
       ->capture_default_str();
+  addTransformOptions(*command, arguments->transform);
   addSkipOption(*command, arguments->skip);
   addFeatureOptions(*command, arguments->features);
   command->callback([arguments] { run(*arguments); });

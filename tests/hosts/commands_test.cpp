@@ -76,6 +76,20 @@ TEST_F(Commands, TrainEvaluateAndIdentify) {
   EXPECT_GT(std::stod(named.out.substr(named.out.find("margin ") + 7)), 1.0);
 }
 
+TEST_F(Commands, TransformsAreEstimatedStoredAndApplied) {
+  makeVoices(6);
+  for (const std::string transform : {"pca --dims 6", "lda --dims 6"}) {
+    const Outcome trained =
+        run("train -o model --components 2 --hold-out 3/3 --transform " + transform + " colour loud");
+    ASSERT_EQ(trained.status, 0) << trained.err;
+    const Outcome evaluated = run("evaluate model colour loud --json --held-out");
+    EXPECT_EQ(nlohmann::json::parse(evaluated.out)["accuracy"], 1.0) << transform << evaluated.err;
+    const Outcome named = run("identify model loud/c.wav colour/deeper/f.wav");
+    EXPECT_EQ(named.out.find("loud/c.wav: loud, score "), 0u) << named.out;
+    EXPECT_NE(named.out.find("\ncolour/deeper/f.wav: colour, score "), std::string::npos) << named.out;
+  }
+}
+
 TEST_F(Commands, SkipUnusableRecordingsOnlyWhenTold) {
   makeVoices(3);
   writeWav(folder / "colour/empty.wav", {});
@@ -178,6 +192,10 @@ TEST_F(Commands, EveryFaultGetsOneLineAndChangesNothing) {
       {"train -o old colour --hold-out 3/2", "'3/2' is not a fold K/N"},
       {"train -o old colour --hold-out 1/1", "'1/1' is not a fold K/N"},
       {"train -o old mixed --hold-out 5/5 --bands 300", "300 bands are more than"},
+      {"train -o old colour --transform pca --dims 40", "40 dimensions are not within 1 to the 39 values"},
+      {"train -o old colour --transform pca --dims 0", "dims"},
+      {"train -o old colour --dims 3", "--dims requires --transform"},
+      {"train -o old colour --transform ica", "ica"},
       {"evaluate none colour", "none: no such file"},
       {"evaluate colour colour", "colour: is not a file"},
       {"evaluate text.wav colour", "text.wav: is not a model of orv"},

@@ -141,7 +141,13 @@ class Models : public Hosts {
     model.features.cepstra = 1;
     model.features.lowHz = 100.25;
     model.heldOut = Fold::parse("2/5");
-    Mixture mixture(2, 6);
+    model.transform.kind = TransformKind::lda;
+    model.transform.mean = {1.5f, 2, 3, -4, 5, 6};
+    model.transform.matrix.resize(5, 6);
+    for (std::size_t r = 0; r < 5; ++r)
+      for (std::size_t j = 0; j < 6; ++j)
+        model.transform.matrix.row(r)[j] = static_cast<float>(r) / 3 - static_cast<float>(j);
+    Mixture mixture(2, 5);
     mixture.weights = {0.3, 0.7};
     for (std::size_t i = 0; i < mixture.means.values.size(); ++i) {
       mixture.means.values[i] = 0.1f * static_cast<float>(i);
@@ -173,6 +179,8 @@ TEST_F(Models, ComeBackAsTheyWereStored) {
   EXPECT_EQ(loaded.classes[1].mixture.constants, model.classes[1].mixture.constants);
   EXPECT_EQ(loaded.features.lowHz, 100.25);
   EXPECT_EQ(loaded.heldOut.text(), "2/5");
+  EXPECT_EQ(loaded.transform.mean, model.transform.mean);
+  EXPECT_EQ(loaded.transform.matrix.row(4)[5], model.transform.matrix.row(4)[5]);
 }
 
 TEST_F(Models, AreRefusedWhenDamagedAnywhere) {
@@ -204,22 +212,45 @@ TEST_F(Models, AreRefusedWhenForeignOrOfValuesOutOfRange) {
   const std::string contents = encode(model);
   const Json outer = Json::from_cbor(contents);
   const Json body = Json::from_cbor(outer.at("model").get_binary());
-  ASSERT_TRUE(pack(body, 1) == contents);
+  ASSERT_TRUE(pack(body, 2) == contents);
 
   const std::string file = (folder / "model").string();
-  EXPECT_EQ(complaint(pack(body, 2)), file + ": is a model of version 2; this program reads version 1");
+  EXPECT_EQ(complaint(pack(body, 3)), file + ": is a model of version 3; this program reads versions 1 to 2");
+  EXPECT_EQ(complaint(pack(body, 0)), file + ": is a model of version 0; this program reads versions 1 to 2");
+  // Version 1 had no transform.
+  Json old = body;
+  old.erase("transform");
+  EXPECT_EQ(complaint(pack(old, 2)), file + ": is a damaged model");
+  for (Json &one : old["classes"])
+    for (const char *rows : {"means", "variances"})
+      for (Json &row : one[rows]) row.push_back(1);
+  EXPECT_EQ(complaint(pack(old, 1)), "none");
   EXPECT_EQ(complaint("RIFF, perhaps"), file + ": is not a model of orv");
   EXPECT_EQ(complaint(""), file + ": is not a model of orv");
   EXPECT_EQ(complaint(std::string(1 << 20, '\x81')), file + ": is not a model of orv");
-  const std::vector<std::pair<const char *, Json>> changes = {
-      {"/sampleRate", 0},           {"/features/bands", 4000},       {"/features/window", 9},
-      {"/features/cepstra", 2},     {"/classes", Json::array()},     {"/classes/0/weights", {0.5}},
-      {"/classes/0/weights/0", -1}, {"/classes/0/variances/1/5", 0}, {"/classes/0/means/0", {1, 2}},
-      {"/classes/0/name", 3},       {"/classes/0/means/0/0", NAN},   {"/heldOut", "7/5"}};
+  const std::vector<std::pair<const char *, Json>> changes = {{"/sampleRate", 0},
+                                                              {"/features/bands", 4000},
+                                                              {"/features/window", 9},
+                                                              {"/features/cepstra", 2},
+                                                              {"/classes", Json::array()},
+                                                              {"/classes/0/weights", {0.5}},
+                                                              {"/classes/0/weights/0", -1},
+                                                              {"/classes/0/variances/1/5", 0},
+                                                              {"/classes/0/means/0", {1, 2}},
+                                                              {"/classes/0/name", 3},
+                                                              {"/classes/0/means/0/0", NAN},
+                                                              {"/heldOut", "7/5"},
+                                                              {"/transform/kind", "none"},
+                                                              {"/transform/kind", "ica"},
+                                                              {"/transform/mean", {1, 2}},
+                                                              {"/transform/matrix/0/1", NAN},
+                                                              {"/transform/matrix", Json::array()},
+                                                              {"/transform/matrix/4", {1, 2}},
+                                                              {"/transform/matrix/5", {1, 2, 3, 4, 5, 6}}};
   for (const auto &[where, value] : changes) {
     Json changed = body;
     changed[Json::json_pointer(where)] = value;
-    EXPECT_EQ(complaint(pack(changed, 1)), file + ": is a damaged model") << where;
+    EXPECT_EQ(complaint(pack(changed, 2)), file + ": is a damaged model") << where;
   }
 }
 
