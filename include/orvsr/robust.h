@@ -204,6 +204,126 @@ ORV_API OrvStatus orvsBlindEqualization_Aurora_16s(const int16_t *pRef, int16_t 
                                                    int32_t len, int32_t logEnergy);
 /** @} */
 
+/* ---------------------------------------------------------------- wide-band input */
+
+/**
+ * @defgroup bandsplit Band split
+ *
+ * Splits a signal x in two bands of half its rate with one filter h of tapLen taps, len / 2 outputs each:
+ *
+ *     pDstLow[i]  = sum of x[2i + k] h[k]
+ *     pDstHigh[i] = sum of x[2i + k] h[k] (-1)^(k + i + 1),   k = 0 .. tapLen - 1
+ *
+ * so pSrc has 2 (len / 2 - 1) + tapLen values. With a len of 1 nothing is written. Sums run in the order of
+ * the taps. The results overlap neither pSrc nor pTaps.
+ *
+ * Statuses: orvStsNullPtrErr (pSrc, pTaps), orvStsSizeErr (tapLen below 1), orvStsNullPtrErr (pDstLow,
+ * pDstHigh), orvStsSizeErr (len below 1), orvStsNoErr.
+ *
+ * Source of the method: ETSI ES 202 050, section 5.5.
+ * @{
+ */
+
+/** Band split of 32f samples, in single precision. */
+ORV_API OrvStatus orvsLowHighFilter_Aurora_32f(const float *pSrc, float *pDstLow, float *pDstHigh,
+                                               int32_t len, const float *pTaps, int32_t tapLen);
+/**
+ * Band split of 16s samples: exact sums, shifted by scaleFactor, to the right without rounding, to the left
+ * for a negative one, by the low six bits of the count; saturated.
+ */
+ORV_API OrvStatus orvsLowHighFilter_Aurora_16s_Sfs(const int16_t *pSrc, int16_t *pDstLow, int16_t *pDstHigh,
+                                                   int32_t len, const int16_t *pTaps, int32_t tapLen,
+                                                   int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup highbandcoding High-band coding
+ *
+ * Three energies of the high band, relative to the low one as it was when they were coded. With L(v) = ln v
+ * above exp(-10) and -10 elsewhere:
+ *
+ *     A0, A1, A2 = L of the sums of pBins[33 .. 38], pBins[39 .. 48], pBins[49 .. 64]
+ *     B0, B1, B2 = L of half the sums of pHigh[66 .. 76], pHigh[78 .. 96], pHigh[98 .. 128]
+ *     pDst[j] = 0.1 (B0 - (A0 - L(pLow[j]))) + 0.2 (B1 - (A1 - L(pLow[j]))) + 0.7 (B2 - (A2 - L(pLow[j])))
+ *
+ * pLow and pDst have 3 values, pBins 65, pHigh 129, of which positions 77 and 97 take no part.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsNoErr.
+ *
+ * Source of the method: ETSI ES 202 050, section 5.5.
+ * @{
+ */
+
+/** In single precision, the logarithms in double. A NaN counts as -10. */
+ORV_API OrvStatus orvsHighBandCoding_Aurora_32f(const float *pLow, const float *pBins, const float *pHigh,
+                                                float *pDst);
+/**
+ * Logarithms are Q7, rounded, and -1280 for what is not above 0. Sums of the high band are divided by 8,
+ * rounded to nearest, ties to even, and 177 is added to their logarithm, unless it is -1280. The weights are
+ * 102, 205, 717 in Q10, each product being shifted right by 10. Their sum is shifted right by scaleFactor +
+ * 7, or to the left if that is negative, and saturated: -7 keeps Q7, 0 gives whole logarithms.
+ */
+ORV_API OrvStatus orvsHighBandCoding_Aurora_32s_Sfs(const int32_t *pLow, const int32_t *pBins,
+                                                    const int32_t *pHigh, int32_t *pDst, int32_t scaleFactor);
+/** @} */
+
+/**
+ * @defgroup integerbank All-integer mel bank
+ *
+ * A bank of nFilter triangular filters for spectra of 32-bit integers. Its centres and triangles are those of
+ * orvsMelFBankInit_32f() with orvFBankBinWeights and the same fftLen, frequencies and constants, and so are
+ * its band energies but for rounding: weights are Q30, to the nearest, every product is truncated to 22
+ * fractional bits, and the energy is rounded at the end. So an energy of K bins with the sum S of magnitudes
+ * is within 1/2 + K 2^-22 + S 2^-31 of the exact one at scaleFactor 0.
+ *
+ * The bank lives in a buffer of the caller's, which may start anywhere; its address is the bank. It holds
+ * pointers into itself and is not copied or moved. It is only read by evaluation and may be shared by
+ * threads.
+ *
+ * Source of the method: as for the filter banks of frontend.h.
+ * @{
+ */
+
+/** A mel bank with Q30 weights for 32-bit spectra. */
+typedef struct OrvsFBankState_32s OrvsFBankState_32s;
+
+/**
+ * Size in bytes of the buffer for orvsMelFBankInit_32s() with the same fftLen, nFilter and flags, into
+ * *pSize.
+ * orvStsNullPtrErr (pSize), orvStsSizeErr (nFilter below 1, fftLen below 32 or above 8192),
+ * orvStsFBankFlagErr (flags other than orvFBankBinWeights), orvStsSizeErr (nFilter above half of the FFT
+ * length), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankGetSize_32s(int32_t fftLen, int32_t nFilter, int32_t flags, int32_t *pSize);
+/**
+ * Builds a mel bank in the caller's buffer pFBank.
+ * - fftLen: 32 to 8192; the FFT length L is the first power of two that is at least fftLen.
+ * - pFFTOrder: receives log2 L.
+ * - sampleRate, lowFreq, highFreq: in Hz, 1 to 48000 and 0 <= lowFreq < highFreq <= 24000. What lies above
+ *   half of sampleRate counts as bin L / 2.
+ * - melMul, melDiv: M and D of mel(f) = M ln(1 + f / D) in Q18, so that M = 2595 is 2595 * 262144. 2 < M <
+ *   4096 and 2 < D < 1024: the upper limits are the powers of two above the usual 2595 and 700. They are
+ * taken as single-precision numbers. M cancels out of centres and weights.
+ * - flags: orvFBankBinWeights.
+ *
+ * orvStsNullPtrErr (pFBank, pFFTOrder), orvStsSizeErr (nFilter or highFreq below 1, fftLen),
+ * orvStsFBankFlagErr (flags), orvStsSizeErr (sampleRate, lowFreq), orvStsFBankFreqErr (highFreq),
+ * orvStsBadArgErr (melDiv, melMul), orvStsSizeErr (nFilter above L / 2 + 1; *pFFTOrder is written),
+ * orvStsNoErr.
+ */
+ORV_API OrvStatus orvsMelFBankInit_32s(OrvsFBankState_32s *pFBank, int32_t *pFFTOrder, int32_t fftLen,
+                                       int32_t sampleRate, int32_t lowFreq, int32_t highFreq, int32_t nFilter,
+                                       int32_t melMul, int32_t melDiv, int32_t flags);
+/**
+ * Band energies of a spectrum of L / 2 + 1 values into pDst, nFilter values: sums of (weight * pSrc[k]) >> 8
+ * in 64 bits, shifted right by scaleFactor, or to the left if that is negative, rounded half up from 22
+ * fractional bits and limited above at 2147483647. There is no lower limit: a spectrum has no negative value.
+ * orvStsNullPtrErr, orvStsBadArgErr (scaleFactor below -31 or above 31), orvStsNoErr.
+ */
+ORV_API OrvStatus orvsEvalFBank_32s_Sfs(const int32_t *pSrc, int32_t *pDst, const OrvsFBankState_32s *pFBank,
+                                        int32_t scaleFactor);
+/** @} */
+
 /**
  * @defgroup findpeaks Local maxima of a curve
  *

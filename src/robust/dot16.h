@@ -29,6 +29,11 @@ inline simd::i32x4 dotPairs(i16x8 x, i16x8 y) { return {_mm_madd_epi16(x.v, y.v)
 inline simd::i32x8 interleave(simd::i32x4 a, simd::i32x4 b) {
   return {{_mm_unpacklo_epi32(a.v, b.v)}, {_mm_unpackhi_epi32(a.v, b.v)}};
 }
+// -a0 a1 -a2 a3
+inline simd::i32x4 negateEven(simd::i32x4 a) {
+  const __m128i even = _mm_set_epi32(0, -1, 0, -1);
+  return {_mm_sub_epi32(_mm_xor_si128(a.v, even), even)};
+}
 
 // Whether no sum of products of these taps and any samples leaves 32 bits, whatever signs the taps are given:
 // their magnitudes stay below 2^16 together, and each can be negated in 16 bits. Filters do; the others are
