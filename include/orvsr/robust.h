@@ -1,6 +1,6 @@
 /**
  * @file robust.h
- * Speech in noise: noise reduction, equalisation, spectral peaks and periodicity.
+ * Speech in noise: noise reduction, equalisation, spectral peaks and periodicity, voice activity, noise tracking.
  */
 #ifndef ORVSR_ROBUST_H
 #define ORVSR_ROBUST_H
@@ -408,6 +408,161 @@ ORV_API OrvStatus orvsPeriodicityLSPE_32f(const float *pSrc, int32_t len, float 
  * bits. */
 ORV_API OrvStatus orvsPeriodicityLSPE_16s(const int16_t *pSrc, int32_t len, int16_t *pResult,
                                           int32_t *pPeriod, int32_t maxPeriod, int32_t minPeriod);
+/** @} */
+
+/* ---------------------------------------------------------------- voice activity and noise tracking */
+
+/** A voice activity detector: 64 bytes of the caller's, at any address. */
+typedef struct VADState_Aurora VADState_Aurora;
+/** A noise tracker in memory of the caller's, at any address; it must stay where it was initialised. */
+typedef struct McraState McraState;
+
+/**
+ * @defgroup vad Voice activity detection
+ *
+ * Tells frame by frame whether there is speech. Three trackers each follow the level of a measure in noise
+ * and vote for speech where the measure is well above it: the energy x = E^2 - 3 with E the sum of all 25
+ * bands, the mean of the bands 1 to 3 over two frames, and the variance of the 64 values of the spectrum. A
+ * frame is active if one of them votes for it or activity is 5 or more. The longest run of active frames
+ * among the last seven decides: 3 or more are speech, and after a run of 3 the next few frames still are,
+ * after one of 4 the next 23 or 40 (40 once a run of 4 came within the first 35 frames).
+ *
+ * Call the Init form, then the Decision form once per frame, and after the last frame the Flush form until it
+ * gives 4: it gives the decisions that the last votes still bear on, six of them. All forms of one detector
+ * are of one type.
+ *
+ * The 16s form is not a scaled copy: its weights are ratios of small integers, its trackers wrap in 32 bits,
+ * and after a quiet frame its variance level rises by the whole variance. Their decisions differ.
+ *
+ * - pBands: 25 band energies (of a noise-reduced spectrum), pSpectrum: 64 values;
+ * - activity: a count that the caller derives elsewhere;
+ * - *pResult: 1 speech, 2 no speech, 4 no decision, as for the first ten frames, and from a flush until ten
+ * frames were counted, flushes included.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsNoErr. Values that are not finite pass through by the rules of
+ * arithmetic.
+ *
+ * Source of the method: ETSI ES 202 050, annex on voice activity detection.
+ * @{
+ */
+
+/** Size in bytes of a 16s detector: 64. */
+ORV_API OrvStatus orvsVADGetBufSize_Aurora_16s(int32_t *pSize);
+/** Size in bytes of a 32f detector: 64. */
+ORV_API OrvStatus orvsVADGetBufSize_Aurora_32f(int32_t *pSize);
+/** Starts a 16s detector, or starts it again. */
+ORV_API OrvStatus orvsVADInit_Aurora_16s(VADState_Aurora *pState);
+/** Starts a 32f detector, or starts it again. */
+ORV_API OrvStatus orvsVADInit_Aurora_32f(VADState_Aurora *pState);
+/** Takes one frame of 16s values. */
+ORV_API OrvStatus orvsVADDecision_Aurora_16s(const int16_t *pBands, const int16_t *pSpectrum,
+                                             int32_t activity, int32_t *pResult, VADState_Aurora *pState);
+/** Takes one frame of 32f values. */
+ORV_API OrvStatus orvsVADDecision_Aurora_32f(const float *pBands, const float *pSpectrum, int32_t activity,
+                                             int32_t *pResult, VADState_Aurora *pState);
+/** The next decision after the end of the input of a 16s detector. */
+ORV_API OrvStatus orvsVADFlush_Aurora_16s(int32_t *pResult, VADState_Aurora *pState);
+/** The next decision after the end of the input of a 32f detector. */
+ORV_API OrvStatus orvsVADFlush_Aurora_32f(int32_t *pResult, VADState_Aurora *pState);
+/** @} */
+
+/**
+ * @defgroup mcra Noise power by minima-controlled recursive averaging
+ *
+ * Follows the noise power N[k] of the len / 2 + 1 bins of a spectrum. With P[k] the power in the new frame,
+ * M[k] the minimum of the smoothed power over about a second:
+ *
+ *     S[k] = alphaS S[k] + (1 - alphaS) P[k]
+ *     p[k] = alphaP p[k] + (S[k] > 5 M[k] ? 1 - alphaP : 0)        probability of speech
+ *     a    = alphaD + (1 - alphaD) p[k]
+ *     N[k] = a N[k] + (1 - a) P[k]
+ *
+ * alphaD, alphaS and alphaP are 0.7, 0.8 and 0.2 to the power of hop * 125 / sampleRate. The first frame
+ * after an Init form only primes the tracker: N = P. The Update form returns N in pNoise, and takes N of the
+ * frame before from there.
+ *
+ * The 32s forms take powers of any scale and hold the coefficients in Q31. They form them by a series of the
+ * third order, which agrees with the 32f forms for hops near sampleRate / 125 and is useless at several times
+ * that; the two types do not agree there.
+ *
+ * - sampleRate: 8000 to 48000 Hz;
+ * - len: transform length, 8 to 8192; an odd one counts as the even one below;
+ * - hop: frame step in samples, 1 to len / 2. Without it, the step is len / 2, and the minimum is taken over
+ * the frames that a second has at a step of the largest power of two not above len / 2;
+ * - pState: a buffer of as many bytes as the GetSize form reports, for either type. Types must not be mixed
+ * on one object;
+ * - pSrc: len / 2 + 1 powers, pNoise: as many, which may be the same array.
+ *
+ * Statuses, in this order; an error leaves the object as it is:
+ *
+ * - GetSize: orvStsNullPtrErr, orvStsSizeErr (len), orvStsNoErr;
+ * - Init: orvStsNullPtrErr, orvStsRangeErr (sampleRate), orvStsSizeErr (len), orvStsNoErr;
+ * - AltInit: orvStsNullPtrErr, orvStsRangeErr (sampleRate, or hop outside 1 to len / 2 even if len is wrong
+ * too), orvStsSizeErr (len), orvStsNoErr;
+ * - Update: orvStsNullPtrErr, orvStsNoErr.
+ *
+ * Source of the method: I. Cohen, B. Berdugo, Noise estimation by minima controlled recursive averaging for
+ * robust speech enhancement, IEEE Signal Processing Letters 9 (2002).
+ * @{
+ */
+
+/** Size in bytes of a tracker: 104 + 16 (len / 2). */
+ORV_API OrvStatus orvsGetSizeMCRA_32s(int32_t len, int32_t *pSize);
+/** Size in bytes of a tracker: 104 + 16 (len / 2). */
+ORV_API OrvStatus orvsGetSizeMCRA_32f(int32_t len, int32_t *pSize);
+/** Starts a 32s tracker, or starts it again, for frames len / 2 samples apart. */
+ORV_API OrvStatus orvsInitMCRA_32s(int32_t sampleRate, int32_t len, McraState *pState);
+/** Starts a 32f tracker, or starts it again, for frames len / 2 samples apart. */
+ORV_API OrvStatus orvsInitMCRA_32f(int32_t sampleRate, int32_t len, McraState *pState);
+/** Starts a 32s tracker, or starts it again, for frames hop samples apart. */
+ORV_API OrvStatus orvsAltInitMCRA_32s(int32_t sampleRate, int32_t len, int32_t hop, McraState *pState);
+/** Starts a 32f tracker, or starts it again, for frames hop samples apart. */
+ORV_API OrvStatus orvsAltInitMCRA_32f(int32_t sampleRate, int32_t len, int32_t hop, McraState *pState);
+/** Takes one frame of 32s powers. */
+ORV_API OrvStatus orvsUpdateNoisePSDMCRA_32s_I(const int32_t *pSrc, McraState *pState, int32_t *pNoise);
+/** Takes one frame of 32f powers. */
+ORV_API OrvStatus orvsUpdateNoisePSDMCRA_32f_I(const float *pSrc, McraState *pState, float *pNoise);
+/** @} */
+
+/**
+ * @defgroup noisegains Gains of a noise suppressor
+ *
+ * EMNS, the amplitude of least mean square error, from the Wiener gain H = xi / (1 + xi) and the ratio g of
+ * the power of a bin to its noise (both of len elements):
+ *
+ *     dst = H F(v), v = H g, F(v) = sqrt(pi) / (2 sqrt(v)) exp(-v / 2) ((1 + v) I0(v / 2) + v I1(v / 2))
+ *
+ * with F from tables, good to 0.6 percent, and g limited to 100 above, and to 2^-15 (32s) or 3.1e-5 (32f)
+ * below. v counts in steps of 2^-22, and F is held at 2147483647 in the first of them: there the 32s form
+ * saturates at 2147483647, while the 32f form may give more than 1.
+ *
+ * Wiener, from the ratio x of signal to noise: dst = x / (1 + x). In the 32s form a step function: x is taken
+ * down to a multiple of 1/16 below 4, of 4 below 64, of 64 below 512, to 512 below 1024, and from there the
+ * gain is 2147483647. A negative x has the gain 0 and makes the status orvStsBadArgErr, with all the output
+ * written.
+ *
+ * The 32s forms take and give gains in Q31, and ratios in Q15. dst may be one of the inputs. No form
+ * allocates.
+ *
+ * Statuses: orvStsNullPtrErr, orvStsLenRangeErr (len below 1 or above 65535), orvStsRangeErr (EMNS: some H
+ * below 0 or, in the 32f form only, above 1; nothing written), orvStsBadArgErr (Wiener: some x below 0, as
+ * told), orvStsNoErr.
+ *
+ * Source of the method: Y. Ephraim, D. Malah, Speech enhancement using a minimum mean-square error short-time
+ * spectral amplitude estimator, IEEE Trans. ASSP 32 (1984).
+ * @{
+ */
+
+/** Amplitude gains in Q31 from Wiener gains in Q31 and ratios in Q15. */
+ORV_API OrvStatus orvsFilterUpdateEMNS_32s(const int32_t *pWiener, const int32_t *pPostSnr, int32_t *pDst,
+                                           int32_t len);
+/** Amplitude gains from Wiener gains, 0 to 1, and ratios. */
+ORV_API OrvStatus orvsFilterUpdateEMNS_32f(const float *pWiener, const float *pPostSnr, float *pDst,
+                                           int32_t len);
+/** Wiener gains in Q31 from ratios in Q15. */
+ORV_API OrvStatus orvsFilterUpdateWiener_32s(const int32_t *pSrc, int32_t *pDst, int32_t len);
+/** Wiener gains from ratios. */
+ORV_API OrvStatus orvsFilterUpdateWiener_32f(const float *pSrc, float *pDst, int32_t len);
 /** @} */
 
 #ifdef __cplusplus

@@ -1,0 +1,338 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "orvsr/robust.h"
+#include "support/arrays.h"
+
+using namespace orv::test;
+
+namespace {
+
+template <class Sample>
+class Detector {
+ public:
+  explicit Detector(std::size_t offset = 0) : state_(64, offset) {
+    EXPECT_EQ(fixed ? orvsVADInit_Aurora_16s(state()) : orvsVADInit_Aurora_32f(state()), orvStsNoErr);
+  }
+  int frame(const std::vector<Sample> &bands, const std::vector<Sample> &spectrum, int activity) {
+    const Guarded<Sample> b(bands, sizeof(Sample) * (count_++ % 5)), s(spectrum, sizeof(Sample));
+    Guarded<std::int32_t> result(1);
+    if constexpr (fixed) {
+      EXPECT_EQ(orvsVADDecision_Aurora_16s(b.data(), s.data(), activity, result.data(), state()),
+                orvStsNoErr);
+    } else {
+      EXPECT_EQ(orvsVADDecision_Aurora_32f(b.data(), s.data(), activity, result.data(), state()),
+                orvStsNoErr);
+    }
+    return result.at(0);
+  }
+  int flush() {
+    std::int32_t result = 0;
+    const auto f = fixed ? orvsVADFlush_Aurora_16s : orvsVADFlush_Aurora_32f;
+    EXPECT_EQ(f(&result, state()), orvStsNoErr);
+    return result;
+  }
+  // Frames that no tracker votes for; an x is forced to be active. Gives the results in turn.
+  std::string frames(const std::string &votes) {
+    std::string results;
+    for (const char vote : votes)
+      results +=
+          std::to_string(frame(std::vector<Sample>(25, 10), std::vector<Sample>(64, 5), vote == 'x' ? 5 : 4));
+    return results;
+  }
+  std::string flushes(int n) {
+    std::string results;
+    while (n-- > 0) results += std::to_string(flush());
+    return results;
+  }
+
+ private:
+  static constexpr bool fixed = std::is_same_v<Sample, std::int16_t>;
+  VADState_Aurora *state() { return reinterpret_cast<VADState_Aurora *>(state_.data()); }
+  Guarded<std::uint8_t> state_;
+  std::size_t count_ = 0;
+};
+
+std::string times(int n, const std::string &s) {
+  std::string all;
+  while (n-- > 0) all += s;
+  return all;
+}
+
+template <class Sample>
+class Vad : public ::testing::Test {};
+using Samples = ::testing::Types<float, std::int16_t>;
+TYPED_TEST_SUITE(Vad, Samples);
+
+TYPED_TEST(Vad, WalksItsHangovers) {
+  using D = Detector<TypeParam>;
+  const std::string none(10, '.'), first(10, '4');
+  // The first ten frames leave no vote behind. A run of 3 counts while it is in the window, and four frames.
+  EXPECT_EQ(D().frames("xxxxxxxxxx.."), first + "22");
+  EXPECT_EQ(D().frames(none + "xxx............"), first + "22" + times(9, "1") + "2222");
+  EXPECT_EQ(D().frames(none + "xx.xx.xx...."), first + times(12, "2"));
+  // A run of 4 within 35 frames: the reload is 23 once, and 40 from the next frame that still sees it.
+  EXPECT_EQ(D().frames(none + "......xxxx" + std::string(46, '.')),
+            first + times(8, "2") + times(45, "1") + "222");
+  EXPECT_EQ(D().frames(none + std::string(21, '.') + "xxxx" + std::string(45, '.')),
+            first + times(23, "2") + times(45, "1") + "22");
+  // One frame later it stays 23 for good.
+  EXPECT_EQ(
+      D().frames(none + std::string(22, '.') + "xxxx" + std::string(29, '.') + "xxxx" + std::string(27, '.')),
+      first + times(24, "2") + times(28, "1") + times(5, "2") + times(28, "1") + "2");
+}
+
+TYPED_TEST(Vad, FlushesTheWindowAsARing) {
+  const std::string none(10, '.');
+  const auto flushed = [](const std::string &votes, int n) {
+    Detector<TypeParam> detector(votes.size() % 4);
+    detector.frames(votes);
+    return detector.flushes(n);
+  };
+  EXPECT_EQ(flushed(none + ".......", 21), times(3, "2222224"));  // with counters below 0
+  EXPECT_EQ(flushed(none + ".......xxx", 7), "1111114");
+  EXPECT_EQ(flushed(none + ".......xxx....xx", 7), "1111114");  // the oldest vote comes behind the newest
+  EXPECT_EQ(flushed(none + "xxx.......", 7), "1222224");        // the short counter stood at 2,
+  EXPECT_EQ(flushed(none + "......xxxx" + std::string(41, '.'), 7), "1122224");  // the long one at 3
+  // No decision before ten frames are counted, flushes included.
+  EXPECT_EQ(flushed("...", 15), "444444422222242");
+  EXPECT_EQ(flushed(".........", 8), "42222242");
+}
+
+// Both forms, written plainly.
+template <class Sample>
+struct Reference {
+  static constexpr bool fixed = std::is_same_v<Sample, std::int16_t>;
+  using Track = std::conditional_t<fixed, std::int32_t, float>;
+  using Value = std::conditional_t<fixed, std::int64_t, float>;
+  struct Weight {
+    float weight;
+    std::int64_t factor;
+    int shift;
+  };
+
+  Track meanEnergy = 0, bandTrack = 0, energyTrack = 0, varianceTrack = 0, prevBand = 0;
+  bool frozen = false;
+  int count = 0, flushStart = -1, reload = 23, longHang = 0, shortHang = 0;
+  std::size_t pos = 0;
+  std::vector<int> history = std::vector<int>(7);
+
+  static Value of(Track t, Weight w) {
+    if constexpr (fixed) return static_cast<std::int32_t>(w.factor * t) >> w.shift;
+    if constexpr (!fixed) return w.weight * t;
+  }
+  static Value take(Value v, Weight w) {
+    if constexpr (fixed) return (w.factor * v) >> w.shift;
+    if constexpr (!fixed) return w.weight * v;
+  }
+  static bool vote(Track &t, Value v, const Weight (&w)[8], bool belowOnly) {
+    if (of(t, w[0]) > v && v > of(t, w[1])) t = static_cast<Track>(of(t, w[2]) + take(v, w[3]));
+    if (belowOnly ? v < of(t, w[4]) : v <= of(t, w[4])) t = static_cast<Track>(of(t, w[5]) + take(v, w[6]));
+    return v > of(t, w[7]);
+  }
+  int longestRun() const {
+    int longest = 0;
+    for (std::size_t from = 1; from <= 7; ++from) {
+      std::size_t to = from;
+      while (to <= 7 && history[(pos + to) % 7] == 1) ++to;
+      longest = std::max(longest, static_cast<int>(to - from));
+    }
+    return longest;
+  }
+
+  int frame(const std::vector<Sample> &bands, const std::vector<Sample> &spectrum, int activity) {
+    ++count;
+    std::int64_t s = 0, q = 0, e = 0;  // whole numbers, exact in single
+    for (const Sample v : spectrum) s += static_cast<int>(v), q += static_cast<int>(v) * static_cast<int>(v);
+    for (const Sample v : bands) e += static_cast<int>(v);
+    const int b = static_cast<int>(bands[1]) + static_cast<int>(bands[2]) + static_cast<int>(bands[3]);
+    Value v, x, smooth;
+    Track m;
+    if constexpr (fixed) {
+      v = 64 * q - s * s;
+      x = e * e - 3;
+      m = 341 * b;
+      smooth = ((24 * m) >> 5) + ((8 * prevBand) >> 5);
+    } else {
+      const auto sum = static_cast<float>(s), total = static_cast<float>(e);
+      v = static_cast<float>(q) * 0.015625F - sum * sum * 0.00024414063F;
+      x = total * total - 3;
+      m = static_cast<float>(b) / 3;
+      smooth = 0.75F * m + 0.25F * prevBand;
+    }
+    prevBand = m;
+    if (count < 15 && v > varianceTrack) varianceTrack = static_cast<Track>(v);
+    bool active = vote(varianceTrack, v,
+                       {{1.5F, 48, 5},
+                        {0.85F, 27, 5},
+                        {0.8F, 26, 5},
+                        {0.2F, 6, 5},
+                        {0.25F, 8, 5},
+                        {0.97F, 31, 5},
+                        {0.03F, 1, 0},
+                        {1.65F, 53, 5}},
+                       true);
+    if (count == 1) energyTrack = static_cast<Track>(x);
+    if (count < 15) {
+      if constexpr (fixed) {
+        meanEnergy = static_cast<std::int32_t>(
+            ((static_cast<std::int32_t>(std::int64_t{count - 1} * meanEnergy) + x) * 141 / count) >> 7);
+        if (meanEnergy == 0 ? x > 0 : x * 128 / meanEnergy > 320) frozen = true;
+      } else {
+        meanEnergy = (static_cast<float>(count - 1) * meanEnergy + x) * 1.1F / static_cast<float>(count);
+        if (x / meanEnergy > 2.5F) frozen = true;
+      }
+      if (!frozen && x > energyTrack) energyTrack = static_cast<Track>(x);
+    }
+    active |= vote(energyTrack, x,
+                   {{1.5F, 192, 7},
+                    {0.75F, 96, 7},
+                    {0.8F, 102, 7},
+                    {0.2F, 26, 7},
+                    {0.5F, 64, 7},
+                    {0.97F, 124, 7},
+                    {0.03F, 4, 7},
+                    {1.65F, 211, 7}},
+                   false);
+    if (count < 15 && smooth > bandTrack) bandTrack = static_cast<Track>(smooth);
+    active |= vote(bandTrack, smooth,
+                   {{1.5F, 48, 5},
+                    {0.75F, 24, 5},
+                    {0.8F, 102, 7},
+                    {0.2F, 26, 7},
+                    {0.5F, 16, 5},
+                    {0.97F, 124, 7},
+                    {0.03F, 4, 7},
+                    {3.25F, 416, 7}},
+                   false);
+    if (count < 11) return 4;
+    pos = (pos + 1) % 7;
+    history[pos] = active || activity >= 5;
+    const int run = longestRun();
+    if (run >= 4) {
+      longHang = reload;
+      if (count < 36) reload = 40;
+    } else if (run < 3 && longHang != 0) {
+      --longHang;
+    }
+    if (run >= 3) shortHang = 5;
+    if (run < 3 && shortHang != 0) --shortHang;
+    return shortHang == 0 && longHang == 0 && run < 3 ? 2 : 1;
+  }
+  int flush() {
+    ++count;
+    if (flushStart < 0) flushStart = static_cast<int>(pos);
+    pos = (pos + 1) % 7;
+    if (static_cast<int>(pos) == flushStart || count <= 10) return 4;
+    const int run = longestRun();
+    longHang = (run >= 4 ? reload : longHang) - 1;
+    if (run >= 4 && count < 36) reload = 40;
+    shortHang = run >= 3 ? 4 : shortHang - 1;
+    return shortHang <= 0 && longHang <= 0 && run < 3 ? 2 : 1;
+  }
+};
+
+// Utterances of silence, steady noise, bursts and ramps, with flushes at the end and a few before.
+TYPED_TEST(Vad, DecidesWholeUtterancesAsDefined) {
+  constexpr bool fixed = Reference<TypeParam>::fixed;
+  Random random(43);
+  int seen[5] = {};
+  for (int utterance = 0; utterance < 400; ++utterance) {
+    Detector<TypeParam> detector(static_cast<std::size_t>(utterance % 8));
+    Reference<TypeParam> reference;
+    const bool extreme = fixed && utterance % 4 == 3;
+    double bandLevel = static_cast<double>(1 + random() % 60),
+           spectrumLevel = static_cast<double>(1 + random() % 60);
+    double bandRate = 1, spectrumRate = 1;
+    for (int n = 0; n < 120; ++n) {
+      if (n == 14 || random() % 12 == 0) {  // the next stretch
+        const double most = extreme ? 32000 : 250;
+        const auto level = [&] {
+          return random() % 6 == 0 ? 0 : std::pow(most, 0.2 + static_cast<double>(random() % 800) / 1000);
+        };
+        bandLevel = level();
+        spectrumLevel = level();
+        bandRate = random() % 2 ? 1 : 0.8 + static_cast<double>(random() % 400) / 1000;
+        spectrumRate = random() % 2 ? 1 : 0.8 + static_cast<double>(random() % 400) / 1000;
+      }
+      const double most = extreme ? 32767 : 500;
+      bandLevel = std::min(most, bandLevel * bandRate);
+      spectrumLevel = std::min(most, spectrumLevel * spectrumRate);
+      std::vector<TypeParam> bands = wholeNumbers<TypeParam>(random, 25, static_cast<int>(bandLevel) / 4);
+      for (TypeParam &b : bands)
+        b = static_cast<TypeParam>(std::min(most, static_cast<double>(b) + std::floor(bandLevel)));
+      const auto spectrum = wholeNumbers<TypeParam>(random, 64, static_cast<int>(spectrumLevel));
+      if (random() % 60 == 0) {
+        ASSERT_EQ(detector.flush(), reference.flush()) << utterance << " " << n;
+      }
+      const int activity = random() % 40 == 0 ? 5 : static_cast<int>(random() % 5);
+      const int result = detector.frame(bands, spectrum, activity);
+      ASSERT_EQ(result, reference.frame(bands, spectrum, activity)) << utterance << " " << n;
+      ++seen[result];
+    }
+    for (int n = 0; n < 16; ++n) {
+      ASSERT_EQ(detector.flush(), reference.flush()) << utterance << " " << n;
+    }
+  }
+  EXPECT_TRUE(seen[1] > 2000 && seen[2] > 2000);
+}
+
+TYPED_TEST(Vad, CountsPureSilenceAsActive) {
+  // The energy measure is -3, and so is its level, which times 1.65 lies below.
+  Detector<TypeParam> detector;
+  std::string results;
+  for (int n = 0; n < 20; ++n)
+    results += std::to_string(detector.frame(std::vector<TypeParam>(25), std::vector<TypeParam>(64), 0));
+  EXPECT_EQ(results, times(10, "4") + "22" + times(8, "1"));
+}
+
+TEST(VadForms, DifferInWhatAQuietSpectrumDoes) {
+  // A variance of less than a quarter of its level pulls the level down, but in the integer form up, to 32
+  // times the variance. What would be speech after that is not.
+  Detector<float> single;
+  Detector<std::int16_t> fixed;
+  int singleResult = 0, fixedResult = 0;
+  for (int n = 0; n < 163; ++n) {
+    const int amplitude = n < 20 ? 40 : n < 160 ? 17 : 50;
+    std::vector<float> spectrum(64);
+    for (std::size_t i = 0; i < 64; ++i) spectrum[i] = static_cast<float>(i % 2 ? amplitude : -amplitude);
+    const std::vector<std::int16_t> whole(spectrum.begin(), spectrum.end());
+    singleResult = single.frame(std::vector<float>(25, 10), spectrum, 0);
+    fixedResult = fixed.frame(std::vector<std::int16_t>(25, 10), whole, 0);
+    ASSERT_TRUE(n < 10 || n >= 162 || (singleResult == 2 && fixedResult == 2)) << n;
+  }
+  EXPECT_EQ(singleResult, 1);
+  EXPECT_EQ(fixedResult, 2);
+}
+
+TYPED_TEST(Vad, TestsItsPointers) {
+  constexpr bool fixed = Reference<TypeParam>::fixed;
+  std::int32_t size = 0, result = 7;
+  EXPECT_EQ((fixed ? orvsVADGetBufSize_Aurora_16s : orvsVADGetBufSize_Aurora_32f)(&size), orvStsNoErr);
+  EXPECT_EQ(size, 64);
+  EXPECT_EQ((fixed ? orvsVADGetBufSize_Aurora_16s : orvsVADGetBufSize_Aurora_32f)(nullptr), orvStsNullPtrErr);
+  EXPECT_EQ((fixed ? orvsVADInit_Aurora_16s : orvsVADInit_Aurora_32f)(nullptr), orvStsNullPtrErr);
+  Guarded<std::uint8_t> memory(64);
+  const auto state = reinterpret_cast<VADState_Aurora *>(memory.data());
+  const std::vector<TypeParam> values(64);
+  for (int missing = 0; missing < 4; ++missing) {
+    const TypeParam *const bands = missing == 0 ? nullptr : values.data();
+    const TypeParam *const spectrum = missing == 1 ? nullptr : values.data();
+    std::int32_t *const to = missing == 2 ? nullptr : &result;
+    VADState_Aurora *const object = missing == 3 ? nullptr : state;
+    if constexpr (fixed) {
+      EXPECT_EQ(orvsVADDecision_Aurora_16s(bands, spectrum, 0, to, object), orvStsNullPtrErr);
+    } else {
+      EXPECT_EQ(orvsVADDecision_Aurora_32f(bands, spectrum, 0, to, object), orvStsNullPtrErr);
+    }
+    if (missing >= 2) {
+      EXPECT_EQ((fixed ? orvsVADFlush_Aurora_16s : orvsVADFlush_Aurora_32f)(to, object), orvStsNullPtrErr);
+    }
+  }
+  EXPECT_TRUE(memory.untouched());
+  EXPECT_EQ(result, 7);
+}
+
+}  // namespace
