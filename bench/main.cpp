@@ -13,6 +13,7 @@ void addPrimitiveCases();
 void addGaussCases();
 void addFrontendCases();
 void addMatrixCases();
+void addRobustCases();
 void addTrainCases();
 void addHostCases();
 }  // namespace orv::bench
@@ -35,6 +36,7 @@ int main(int argc, char **argv) {
   orv::bench::addGaussCases();
   orv::bench::addFrontendCases();
   orv::bench::addMatrixCases();
+  orv::bench::addRobustCases();
   orv::bench::addTrainCases();
 #if ORV_BENCH_HOSTS
   orv::bench::addHostCases();

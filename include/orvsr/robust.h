@@ -1,6 +1,6 @@
 /**
  * @file robust.h
- * Speech in noise: noise reduction, equalisation, spectral peaks and periodicity, voice activity, noise tracking.
+ * Speech in noise: noise reduction, equalisation, peaks and periodicity, voice activity, noise tracking.
  */
 #ifndef ORVSR_ROBUST_H
 #define ORVSR_ROBUST_H

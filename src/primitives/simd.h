@@ -277,8 +277,9 @@ inline i32x4 truncate(f64x4 a) {
 }
 // All bits of a lane where a > b.
 inline i32x4 operator>(f64x4 a, f64x4 b) {
-  return {_mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps((a.low > b.low).v), _mm_castpd_ps((a.high > b.high).v),
-                                          _MM_SHUFFLE(2, 0, 2, 0)))};
+  const __m128 low = _mm_castpd_ps((a.low > b.low).v);
+  const __m128 high = _mm_castpd_ps((a.high > b.high).v);
+  return {_mm_castps_si128(_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0)))};
 }
 inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
