@@ -9,6 +9,7 @@
 #include "orvsr/frontend.h"
 #include "orvsr/gauss.h"
 #include "orvsr/matrix.h"
+#include "orvsr/resample.h"
 #include "orvsr/robust.h"
 #include "orvsr/train.h"
 #include "orvsr/types.h"

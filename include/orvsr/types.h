@@ -92,6 +92,12 @@ enum {
   orvDeltaEnd = 2    /**< the last source row is the last frame of the utterance */
 };
 
+/** What follows the samples of a call to a resampling function. */
+enum {
+  orvResampleMore = 0, /**< more of the signal, in a later call */
+  orvResampleEnd = 1   /**< nothing: the signal ends with the samples of this call */
+};
+
 /** A block-diagonal matrix of 16-bit elements; read-only once built. */
 typedef struct OrvBlockDMatrix_16s OrvBlockDMatrix_16s;
 /** A block-diagonal matrix of single-precision elements; read-only once built. */
@@ -106,6 +112,14 @@ typedef struct OrvsFBankState_16s OrvsFBankState_16s;
 typedef struct OrvsDCTLifterState_32f OrvsDCTLifterState_32f;
 /** A cosine transform with lifter, for integer data; written by every transform call. */
 typedef struct OrvsDCTLifterState_16s OrvsDCTLifterState_16s;
+/** A sample-rate converter of any ratio for 16-bit samples; written by every conversion. */
+typedef struct OrvsResampleState_16s OrvsResampleState_16s;
+/** A sample-rate converter of any ratio for single-precision samples; written by every conversion. */
+typedef struct OrvsResampleState_32f OrvsResampleState_32f;
+/** A sample-rate converter between two integer rates for 16-bit samples; written by every conversion. */
+typedef struct OrvsResampleFixedState_16s OrvsResampleFixedState_16s;
+/** A sample-rate converter between two integer rates for single-precision samples; written by every conversion. */
+typedef struct OrvsResampleFixedState_32f OrvsResampleFixedState_32f;
 
 #ifdef __cplusplus
 }
