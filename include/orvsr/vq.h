@@ -219,6 +219,189 @@ ORV_API OrvStatus orvsDTW_L2Low_16s32s_D2Sfs(const int16_t *pSrc1, int32_t heigh
 /** @} */
 
 /**
+ * @defgroup vq Searching a codebook
+ *
+ * The code vector of a vector x is found by the structure that the codebook was built with.
+ * - CDBK_DIRECT scans all rows, or those in the cell of its field that x falls into (a point outside falls
+ * into the border; a cell without rows gives the index -1). A row takes over from the best before it if best
+ * > distance * 1.000001: of rows that are equal but for a relative 1e-6 the first one wins.
+ * - A tree is descended two levels at a time, to the side of the better pair of grandchildren, then left for
+ * the leaf's neighbours as long as one is better by more than a relative 1e-4. The answer is good, and not
+ * always the best. With weights, the scores compared are those of orvsLogGauss_32f_D2L() and
+ * orvsLogGauss_16s32s_D2LSfs() with the weights as inverse variances and, for integers, the scale factor
+ * trunc(log2 width) + 1.
+ *
+ * A distance reported is the Euclidean one, the root of the weighted squared distance to the code vector
+ * found; for an index of -1, the root of 3.4028235e38. The integer forms round it, times 2^-scaleFactor, to
+ * nearest (ties to even) and saturate it.
+ *
+ * An object in caller memory whose method is none of the three is not searched: nothing is written, the
+ * status is orvStsNoErr, and the distances of the integer forms are converted as they lie.
+ *
+ * Arguments:
+ * - pSrc, step: height vectors as wide as the codebook, step elements apart.
+ * - pIndx: height indices, written.
+ * - pDist: height distances, written.
+ * - pCdbk: a codebook of the type of pSrc. It is only read: threads may search it at once.
+ *
+ * Statuses: orvStsNullPtrErr (any pointer null), orvStsSizeErr (step or height below 1, step below the width
+ * of the codebook), orvStsErr (an inner call failed), orvStsNoErr.
+ *
+ * Source of the method: A. Gersho and R. M. Gray, Vector Quantization and Signal Compression, 1992, chapters
+ * 10 and 12.
+ * @{
+ */
+
+/** Code vectors of 32f vectors. */
+ORV_API OrvStatus orvsVQ_32f(const float *pSrc, int32_t step, int32_t *pIndx, int32_t height,
+                             const CdbkState *pCdbk);
+
+/** Code vectors of 16s vectors. */
+ORV_API OrvStatus orvsVQ_16s(const int16_t *pSrc, int32_t step, int32_t *pIndx, int32_t height,
+                             const CdbkState *pCdbk);
+
+/** Code vectors of 32f vectors, and the distances to them. */
+ORV_API OrvStatus orvsVQDist_32f(const float *pSrc, int32_t step, int32_t *pIndx, float *pDist,
+                                 int32_t height, const CdbkState *pCdbk);
+
+/** Code vectors of 16s vectors, and the scaled distances to them. */
+ORV_API OrvStatus orvsVQDist_16s32s_Sfs(const int16_t *pSrc, int32_t step, int32_t *pIndx, int32_t *pDist,
+                                        int32_t height, const CdbkState *pCdbk, int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup vqsort The nearest code vectors of one vector
+ *
+ * The count nearest of all rows, nearest first and of equal ones the lower index first, by an exhaustive scan
+ * whatever the codebook was built with.
+ *
+ * Arguments:
+ * - pSrc: a vector as wide as the codebook.
+ * - pIndx, pDist: count indices and distances as of @ref vq, written.
+ * - pCdbk: a codebook of the type of pSrc. Its scratch memory is written: one call at a time.
+ * - count: rows wanted, 1 to the size of the codebook.
+ *
+ * Statuses: orvStsNullPtrErr (any pointer null), orvStsSizeErr (count out of its range), orvStsNoErr.
+ * @{
+ */
+
+/** The nearest rows of a 32f vector. */
+ORV_API OrvStatus orvsVQSingle_Sort_32f(const float *pSrc, int32_t *pIndx, CdbkState *pCdbk, int32_t count);
+
+/** The nearest rows of a 16s vector. */
+ORV_API OrvStatus orvsVQSingle_Sort_16s(const int16_t *pSrc, int32_t *pIndx, CdbkState *pCdbk, int32_t count);
+
+/** The nearest rows of a 32f vector and their distances. */
+ORV_API OrvStatus orvsVQDistSingle_Sort_32f(const float *pSrc, int32_t *pIndx, float *pDist, CdbkState *pCdbk,
+                                            int32_t count);
+
+/** The nearest rows of a 16s vector and their scaled distances. */
+ORV_API OrvStatus orvsVQDistSingle_Sort_16s32s_Sfs(const int16_t *pSrc, int32_t *pIndx, int32_t *pDist,
+                                                   CdbkState *pCdbk, int32_t count, int32_t scaleFactor);
+
+/** @} */
+
+/**
+ * @defgroup vqthresh The code vectors within a factor of the nearest
+ *
+ * All rows whose distance is at most threshold times the distance of the row that @ref vq finds, which in a
+ * tree need not be the nearest of all; nearest first, of equal ones the lower index first. Squared distances
+ * are compared, tolerant by a factor of 1.000001. Where the search finds no row, every row is listed.
+ *
+ * The integer form works on scaled distances. The rounded distance of the row found, times 2^scaleFactor,
+ * times threshold, truncated, is the limit that the rounded and scaled distances must not exceed: rows close
+ * to the edge that the 32f form lists may be missing, and unless scaleFactor is 0 the limit and the distances
+ * have different units.
+ *
+ * Arguments:
+ * - pSrc: a vector as wide as the codebook.
+ * - pIndx, pDist: indices and distances as of @ref vq, with room for as many as the codebook has rows;
+ * *pCount of them are written.
+ * - pCdbk: a codebook of the type of pSrc. Its scratch memory is written: one call at a time.
+ * - pCount: the number of rows listed, written.
+ * - threshold: 1 or more.
+ *
+ * Statuses: orvStsNullPtrErr (any pointer null), orvStsBadArgErr (threshold below 1), orvStsErr (an inner
+ * call failed), orvStsNoErr.
+ * @{
+ */
+
+/** Rows near a 32f vector. */
+ORV_API OrvStatus orvsVQSingle_Thresh_32f(const float *pSrc, int32_t *pIndx, CdbkState *pCdbk,
+                                          int32_t *pCount, float threshold);
+
+/** Rows near a 16s vector. */
+ORV_API OrvStatus orvsVQSingle_Thresh_16s(const int16_t *pSrc, int32_t *pIndx, CdbkState *pCdbk,
+                                          int32_t *pCount, float threshold);
+
+/** Rows near a 32f vector and their distances. */
+ORV_API OrvStatus orvsVQDistSingle_Thresh_32f(const float *pSrc, int32_t *pIndx, float *pDist,
+                                              CdbkState *pCdbk, int32_t *pCount, float threshold);
+
+/** Rows near a 16s vector and their scaled distances. */
+ORV_API OrvStatus orvsVQDistSingle_Thresh_16s32s_Sfs(const int16_t *pSrc, int32_t *pIndx, int32_t *pDist,
+                                                     CdbkState *pCdbk, int32_t *pCount, int32_t scaleFactor,
+                                                     float threshold);
+
+/** @} */
+
+/**
+ * @defgroup splitvq Vectors quantised in pieces
+ *
+ * A vector is cut into nStreams consecutive pieces, the i-th as wide as codebook i, in which it is searched
+ * as of
+ * @ref vq; the rest of a row is not looked at.
+ *
+ * Arguments:
+ * - pSrc, srcStep: height vectors, srcStep elements apart.
+ * - pDst, dstStep: nStreams indices for each vector, vectors dstStep elements apart; the 8u forms keep the
+ * low byte. In the 1u forms a stream of bits, cleared first, a vector every dstStep bits: the indices follow
+ * one another without gaps, each with as many bits as the largest index of its codebook needs, the highest
+ * bit first and into the most significant bit of a byte.
+ * - height, nStreams: 1 or more.
+ * - ppCdbks: nStreams codebooks of the type of pSrc.
+ *
+ * A codebook that is not searched takes no piece and gives no index: those behind it move up, in all rows,
+ * and every further row begins that much earlier.
+ *
+ * Statuses: orvStsNullPtrErr (ppCdbks, pSrc or pDst null), orvStsSizeErr (srcStep, dstStep, height or
+ * nStreams below 1; nStreams above dstStep, not tested in the 1u forms), orvStsNullPtrErr (a codebook null),
+ * orvStsSizeErr (the widths together above srcStep; in the 1u forms the bits together above dstStep),
+ * orvStsErr (an inner call failed), orvStsNoErr.
+ *
+ * Source of the method: K. K. Paliwal and B. S. Atal, Efficient vector quantization of LPC parameters at 24
+ * bits/frame, IEEE Trans. Speech and Audio Processing 1 (1993).
+ * @{
+ */
+
+/** Pieces of 32f vectors to 16-bit indices. */
+ORV_API OrvStatus orvsSplitVQ_32f16s(const float *pSrc, int32_t srcStep, int16_t *pDst, int32_t dstStep,
+                                     int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** Pieces of 32f vectors to the low bytes of indices. */
+ORV_API OrvStatus orvsSplitVQ_32f8u(const float *pSrc, int32_t srcStep, uint8_t *pDst, int32_t dstStep,
+                                    int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** Pieces of 32f vectors to indices packed into bits. */
+ORV_API OrvStatus orvsSplitVQ_32f1u(const float *pSrc, int32_t srcStep, uint8_t *pDst, int32_t dstStep,
+                                    int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** Pieces of 16s vectors to 16-bit indices. */
+ORV_API OrvStatus orvsSplitVQ_16s16s(const int16_t *pSrc, int32_t srcStep, int16_t *pDst, int32_t dstStep,
+                                     int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** Pieces of 16s vectors to the low bytes of indices. */
+ORV_API OrvStatus orvsSplitVQ_16s8u(const int16_t *pSrc, int32_t srcStep, uint8_t *pDst, int32_t dstStep,
+                                    int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** Pieces of 16s vectors to indices packed into bits. */
+ORV_API OrvStatus orvsSplitVQ_16s1u(const int16_t *pSrc, int32_t srcStep, uint8_t *pDst, int32_t dstStep,
+                                    int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** @} */
+
+/**
  * @defgroup formvector Vectors from indices of code vectors
  *
  *     pDst = row pInds[0] of ppTables[0], row pInds[1] of ppTables[1], ...
@@ -297,6 +480,55 @@ ORV_API OrvStatus orvsFormVector_4i_16s32f(const int16_t *pInds, const float *co
 /** Fours of 32f values from 8u indices. */
 ORV_API OrvStatus orvsFormVector_4i_8u32f(const uint8_t *pInds, const float *const *ppTables,
                                           const int32_t *pSizes, float *pDst, int32_t len);
+
+/** @} */
+
+/**
+ * @defgroup formvectorvq Vectors from indices into codebooks
+ *
+ * Undoes @ref splitvq: a vector is the code vectors of its nStreams indices, one after the other.
+ *
+ * Arguments:
+ * - pInds, srcStep: nStreams indices for each vector, vectors srcStep elements apart. They are not tested. In
+ * the 1u forms pBits, a stream of bits as of @ref splitvq, with a vector every srcStep bits.
+ * - pDst, dstStep: height vectors, dstStep elements apart, written; what is left of the step behind the
+ * widths of all codebooks is not.
+ * - height, nStreams: 1 or more.
+ * - ppCdbks: nStreams codebooks of the type of pDst.
+ *
+ * Statuses: orvStsNullPtrErr (ppCdbks, the indices or pDst null), orvStsSizeErr (nStreams, srcStep, dstStep
+ * or height below 1; nStreams above srcStep, not tested in the 1u forms), orvStsNullPtrErr (a codebook null),
+ * orvStsSizeErr (the widths together above dstStep; in the 1u forms the bits together above srcStep),
+ * orvStsNoErr.
+ * @{
+ */
+
+/** 16s vectors from 16s indices. */
+ORV_API OrvStatus orvsFormVectorVQ_16s16s(const int16_t *pInds, int32_t srcStep, int16_t *pDst,
+                                          int32_t dstStep, int32_t height, const CdbkState *const *ppCdbks,
+                                          int32_t nStreams);
+
+/** 16s vectors from 8u indices. */
+ORV_API OrvStatus orvsFormVectorVQ_8u16s(const uint8_t *pInds, int32_t srcStep, int16_t *pDst,
+                                         int32_t dstStep, int32_t height, const CdbkState *const *ppCdbks,
+                                         int32_t nStreams);
+
+/** 32f vectors from 16s indices. */
+ORV_API OrvStatus orvsFormVectorVQ_16s32f(const int16_t *pInds, int32_t srcStep, float *pDst, int32_t dstStep,
+                                          int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** 32f vectors from 8u indices. */
+ORV_API OrvStatus orvsFormVectorVQ_8u32f(const uint8_t *pInds, int32_t srcStep, float *pDst, int32_t dstStep,
+                                         int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
+
+/** 16s vectors from indices packed into bits. */
+ORV_API OrvStatus orvsFormVectorVQ_1u16s(const uint8_t *pBits, int32_t srcStep, int16_t *pDst,
+                                         int32_t dstStep, int32_t height, const CdbkState *const *ppCdbks,
+                                         int32_t nStreams);
+
+/** 32f vectors from indices packed into bits. */
+ORV_API OrvStatus orvsFormVectorVQ_1u32f(const uint8_t *pBits, int32_t srcStep, float *pDst, int32_t dstStep,
+                                         int32_t height, const CdbkState *const *ppCdbks, int32_t nStreams);
 
 /** @} */
 

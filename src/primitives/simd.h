@@ -153,6 +153,31 @@ inline i32x4 widen(i16x4 a) { return {_mm_srai_epi32(_mm_slli_epi32(a.v, 16), 16
 inline i32x4 operator*(i16x4 a, i16x4 b) { return {_mm_madd_epi16(a.v, b.v)}; }
 inline i16x4 splat4(std::int16_t a) { return {_mm_set1_epi32(static_cast<std::uint16_t>(a))}; }
 
+// Eight 16-bit values.
+struct i16x8 {
+  __m128i v;
+};
+inline i16x8 load8(const std::int16_t *p) { return {loadEight16(p)}; }
+inline void store8(std::int16_t *p, i16x8 a) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.v); }
+inline i16x8 operator+(i16x8 a, i16x8 b) { return {_mm_add_epi16(a.v, b.v)}; }
+inline i16x8 narrowSaturated(i32x4 low, i32x4 high) { return {_mm_packs_epi32(low.v, high.v)}; }
+// a[0] b[0] + a[1] b[1], a[2] b[2] + a[3] b[3], ...: exact unless all four are -32768.
+inline i32x4 sumsOfPairProducts(i16x8 a, i16x8 b) { return {_mm_madd_epi16(a.v, b.v)}; }
+// Each pair of values as one lane: lane k of row r becomes lane r of row k.
+inline void transposePairs(i16x8 (&rows)[4]) {
+  const __m128i ab = _mm_unpacklo_epi32(rows[0].v, rows[1].v), AB = _mm_unpackhi_epi32(rows[0].v, rows[1].v);
+  const __m128i cd = _mm_unpacklo_epi32(rows[2].v, rows[3].v), CD = _mm_unpackhi_epi32(rows[2].v, rows[3].v);
+  rows[0].v = _mm_unpacklo_epi64(ab, cd);
+  rows[1].v = _mm_unpackhi_epi64(ab, cd);
+  rows[2].v = _mm_unpacklo_epi64(AB, CD);
+  rows[3].v = _mm_unpackhi_epi64(AB, CD);
+}
+// Pair k in all lanes.
+template <int k>
+inline i16x8 splatPair(i16x8 a) {
+  return {_mm_shuffle_epi32(a.v, _MM_SHUFFLE(k, k, k, k))};
+}
+
 // --- 32-bit integers in four lanes; what leaves the lane is dropped
 
 inline i32x4 load4(const std::int32_t *p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(p))}; }
@@ -167,6 +192,13 @@ inline i32x4 operator*(i32x4 a, i32x4 b) {
 }
 inline i32x4 operator<<(i32x4 a, int count) { return {_mm_sll_epi32(a.v, _mm_cvtsi32_si128(count))}; }
 inline i32x4 operator>>(i32x4 a, int count) { return {_mm_sra_epi32(a.v, _mm_cvtsi32_si128(count))}; }
+inline void store4(std::int32_t *p, i32x4 a) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.v); }
+// Lanes of all ones or all zeros.
+inline i32x4 operator>(i32x4 a, i32x4 b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
+inline i32x4 operator|(i32x4 a, i32x4 b) { return {_mm_or_si128(a.v, b.v)}; }
+inline int signs(i32x4 a) { return _mm_movemask_ps(_mm_castsi128_ps(a.v)); }
+// By the rounding in force, to an integer at most one away.
+inline i32x4 roundToInteger(f32x4 a) { return {_mm_cvtps_epi32(a.v)}; }
 // Toward zero; what does not fit gives the most negative number.
 inline i32x4 truncate(f32x4 a) { return {_mm_cvttps_epi32(a.v)}; }
 inline void store4(std::int32_t *p, i32x4 a) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.v); }
