@@ -201,7 +201,6 @@ inline int signs(i32x4 a) { return _mm_movemask_ps(_mm_castsi128_ps(a.v)); }
 inline i32x4 roundToInteger(f32x4 a) { return {_mm_cvtps_epi32(a.v)}; }
 // Toward zero; what does not fit gives the most negative number.
 inline i32x4 truncate(f32x4 a) { return {_mm_cvttps_epi32(a.v)}; }
-inline void store4(std::int32_t *p, i32x4 a) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.v); }
 inline i32x4 firstLane4(std::int32_t a) { return {_mm_cvtsi32_si128(a)}; }
 inline std::int32_t firstOf(i32x4 a) { return _mm_cvtsi128_si32(a.v); }
 inline i32x4 operator&(i32x4 a, i32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
