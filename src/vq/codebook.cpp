@@ -37,28 +37,17 @@ bool areSizesBad(std::int32_t width, std::int32_t step, std::int32_t height, std
   return width < 1 || step < 1 || height < 1 || cdbkSize < 1 || width > step || cdbkSize > kMostRows;
 }
 
-// The elements behind a row are zero, so that equal data give equal memory.
 template <class T>
 void copyRows(const CdbkState &cdbk, const T *src, std::int32_t step) {
   const std::size_t bytes = static_cast<std::size_t>(cdbk.width) * sizeof(T);
-  const std::size_t rest = static_cast<std::size_t>(cdbk.stride - cdbk.width) * sizeof(T);
-  for (std::int64_t r = 0; r < cdbk.size; ++r) {
-    T *row = rowOf<T>(cdbk, r);
-    ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(src + r * step), reinterpret_cast<std::uint8_t *>(row),
-                bytes);
-    ownsZero_8u(reinterpret_cast<std::uint8_t *>(row + cdbk.width), rest);
-  }
+  for (std::int64_t r = 0; r < cdbk.size; ++r)
+    ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(src + r * step),
+                reinterpret_cast<std::uint8_t *>(rowOf<T>(cdbk, r)), bytes);
 }
 
 template <class T>
 void setOnes(T *values, std::int32_t len) {
   for (std::int32_t k = 0; k < len; ++k) values[k] = T{1};
-}
-
-// Elements counted in 64 bits: what a 32-bit length cannot express cannot be allocated.
-template <class T>
-T *allocateElements(std::int64_t len) {
-  return len > INT32_MAX ? nullptr : allocate<T>(static_cast<std::int32_t>(len));
 }
 
 void release(CdbkState *cdbk) {
@@ -70,15 +59,15 @@ void release(CdbkState *cdbk) {
 
 // An object and its common arrays, with the list that a tree grows in.
 template <class T>
-CdbkState *allocateCodebook(std::int64_t rows, std::int64_t stride, std::int32_t width, std::int32_t listLen,
+CdbkState *allocateCodebook(std::int32_t rows, std::int64_t stride, std::int32_t width, std::int32_t listLen,
                             CdbkCluster ***list) {
   auto *cdbk = reinterpret_cast<CdbkState *>(orvsMalloc_8u(sizeof(CdbkState)));
   if (cdbk == nullptr) return nullptr;
   *cdbk = CdbkState{};
-  cdbk->pData = allocateElements<T>(rows * stride);
+  cdbk->pData = allocate<T>(lengthOf(rows * stride));
   if (cdbk->pData != nullptr) cdbk->pWeights = allocate<T>(width);
   if (cdbk->pWeights != nullptr) *list = allocate<CdbkCluster *>(listLen);
-  if (*list != nullptr) cdbk->pScratch = allocateElements<float>(rows);
+  if (*list != nullptr) cdbk->pScratch = allocate<float>(rows);
   if (cdbk->pScratch != nullptr) return cdbk;
   if (*list != nullptr) orvsFree(*list);
   release(cdbk);
@@ -89,13 +78,12 @@ template <class T>
 OrvStatus fill(CdbkState &cdbk, const T *src, std::int32_t step, std::int32_t height, std::int32_t cdbkSize,
                CdbkCluster **list) {
   switch (cdbk.method) {
-    case CDBK_DIRECT: {
+    case CDBK_DIRECT:
       cdbk.size = height;
       cdbk.maxDepth = height - 1;
       copyRows(cdbk, src, step);
       if (const OrvStatus status = buildField<T>(cdbk); status != orvStsNoErr) return status;
       break;
-    }
     case CDBK_SPLIT_SPREAD:
     case CDBK_SPLIT_COUNT:
       if (const OrvStatus status = growTree(cdbk, src, step, height, cdbkSize, list); status != orvStsNoErr)
@@ -129,6 +117,7 @@ OrvStatus build(CdbkState **ppCdbk, const T *src, const T *weights, std::int32_t
   cdbk->width = width;
   cdbk->stride = static_cast<std::int32_t>(stride);  // it was allocated, so it fits
   cdbk->method = method;
+  ownsZero_8u(static_cast<std::uint8_t *>(cdbk->pData), static_cast<std::size_t>(rows * stride) * sizeof(T));
   if (!areAllOne) cdbk->flags = kWeighted;
   ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(weights), static_cast<std::uint8_t *>(cdbk->pWeights),
               static_cast<std::size_t>(width) * sizeof(T));
@@ -210,6 +199,8 @@ OrvStatus init(CdbkState *pCdbk, const T *src, std::int32_t width, std::int32_t 
   cdbk.pData = rows;
   cdbk.pWeights = weights;
   cdbk.pScratch = alignPart<float>(weights + width);
+  ownsZero_8u(reinterpret_cast<std::uint8_t *>(rows),
+              static_cast<std::size_t>(std::int64_t{cdbk.stride} * height) * sizeof(T));
   copyRows(cdbk, src, step);
   setOnes(weights, width);
   return orvStsNoErr;

@@ -109,7 +109,7 @@ inline const CdbkGridField *gridFieldOf(const CdbkState &cdbk) {
   return cdbk.width == 2 ? static_cast<const CdbkGridField *>(cdbk.pField) : nullptr;
 }
 
-inline std::int32_t significantBits(std::int32_t v) {
+constexpr std::int32_t significantBits(std::int32_t v) {
   return static_cast<std::int32_t>(std::bit_width(static_cast<std::uint32_t>(v)));
 }
 
@@ -117,6 +117,12 @@ inline std::int32_t significantBits(std::int32_t v) {
 template <class T>
 constexpr bool isPackedWidth(std::int32_t width) {
   return width == 1 || width == 2 || width == 4 || (width == 8 && sizeof(T) == 4);
+}
+
+// The length of an array of so many elements: what 32 bits cannot express becomes 0, which cannot be
+// allocated.
+constexpr std::int32_t lengthOf(std::int64_t elements) {
+  return elements > INT32_MAX ? 0 : static_cast<std::int32_t>(elements);
 }
 
 constexpr float kFarthest = 3.4028235e38F;
