@@ -195,6 +195,7 @@ inline i32x4 operator>>(i32x4 a, int count) { return {_mm_sra_epi32(a.v, _mm_cvt
 inline void store4(std::int32_t *p, i32x4 a) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.v); }
 // Lanes of all ones or all zeros.
 inline i32x4 operator>(i32x4 a, i32x4 b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
+inline i32x4 operator<(i32x4 a, i32x4 b) { return {_mm_cmplt_epi32(a.v, b.v)}; }
 inline i32x4 operator|(i32x4 a, i32x4 b) { return {_mm_or_si128(a.v, b.v)}; }
 inline int signs(i32x4 a) { return _mm_movemask_ps(_mm_castsi128_ps(a.v)); }
 // By the rounding in force, to an integer at most one away.
@@ -204,10 +205,8 @@ inline i32x4 truncate(f32x4 a) { return {_mm_cvttps_epi32(a.v)}; }
 inline i32x4 firstLane4(std::int32_t a) { return {_mm_cvtsi32_si128(a)}; }
 inline std::int32_t firstOf(i32x4 a) { return _mm_cvtsi128_si32(a.v); }
 inline i32x4 operator&(i32x4 a, i32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
-inline i32x4 operator<(i32x4 a, i32x4 b) { return {_mm_cmplt_epi32(a.v, b.v)}; }
-inline i32x4 select(i32x4 mask, i32x4 a, i32x4 b) {
-  return {_mm_or_si128(_mm_and_si128(mask.v, a.v), _mm_andnot_si128(mask.v, b.v))};
-}
+inline i32x4 andNot(i32x4 mask, i32x4 a) { return {_mm_andnot_si128(mask.v, a.v)}; }
+inline i32x4 select(i32x4 mask, i32x4 a, i32x4 b) { return (mask & a) | andNot(mask, b); }
 inline i32x4 min(i32x4 a, i32x4 b) { return select(a < b, a, b); }
 
 // --- 64-bit integers
@@ -242,16 +241,11 @@ inline u64products unsignedProducts(i32x4 a, i32x4 b) {
 inline u64products operator+(u64products a, u64products b) {
   return {_mm_add_epi64(a.even, b.even), _mm_add_epi64(a.odd, b.odd)};
 }
-// a - b 2^32
-inline u64products minusUpper(u64products a, i32x4 b) {
-  return {_mm_sub_epi64(a.even, _mm_slli_epi64(b.v, 32)),
-          _mm_sub_epi64(a.odd, _mm_slli_epi64(_mm_srli_epi64(b.v, 32), 32))};
-}
-// Bits 31 to 62 of each: a shift to the right by 31, cut to 32 bits.
-inline i32x4 bitsFrom31(u64products a) {
-  const __m128i upper = _mm_setr_epi32(0, -1, 0, -1);
-  const __m128i odd = _mm_and_si128(_mm_slli_epi64(a.odd, 1), upper);
-  return {_mm_or_si128(_mm_andnot_si128(upper, _mm_srli_epi64(a.even, 31)), odd)};
+inline i32x4 upperHalves(u64products a) {
+  const __m128 odd = _mm_castsi128_ps(a.odd);
+  const __m128i evenThenOdd =
+      _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.even), odd, _MM_SHUFFLE(3, 1, 3, 1)));
+  return {_mm_shuffle_epi32(evenThenOdd, _MM_SHUFFLE(3, 1, 2, 0))};
 }
 
 // --- pairs
@@ -305,12 +299,6 @@ inline f64x4 widen(f32x4 a) { return {widenLow(a), widenHigh(a)}; }
 // Toward zero; what does not fit gives the most negative number.
 inline i32x4 truncate(f64x4 a) {
   return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(a.low.v), _mm_cvttpd_epi32(a.high.v))};
-}
-// All bits of a lane where a > b.
-inline i32x4 operator>(f64x4 a, f64x4 b) {
-  const __m128 low = _mm_castpd_ps((a.low > b.low).v);
-  const __m128 high = _mm_castpd_ps((a.high > b.high).v);
-  return {_mm_castps_si128(_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0)))};
 }
 inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }

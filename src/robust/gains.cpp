@@ -42,7 +42,7 @@ constexpr std::int32_t kLastDirect = 128;
 
 // F in Q22, for n above the direct values. A sum that leaves 32 bits is cut.
 std::int32_t amplitudeFactor(std::int32_t n) {
-  const int top = std::bit_width(static_cast<std::uint32_t>(n)) - 1;
+  const int top = static_cast<int>(std::bit_width(static_cast<std::uint32_t>(n))) - 1;
   const int s = top - 7;
   const std::int64_t d = n - (std::int64_t{1} << top);
   const std::int32_t slope = wrap32(((d * P2_2_32SQi4[s]) >> 13) - P1_2_32SQ5i[s]);

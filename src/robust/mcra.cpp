@@ -76,6 +76,8 @@ std::int32_t seriesPower(std::int64_t exponent, std::int64_t logBase) {
   return shiftLeft32(wrap32(q + x + r + 32768), 16);
 }
 
+constexpr std::int32_t kDeltaQ15 = 163840;
+
 void setRates(Head<std::int32_t> &h) {
   const std::int64_t exponent = std::int64_t{h.hop} * 4096000 / h.sampleRate;
   h.alphaD = seriesPower(exponent, -765953610);
@@ -84,7 +86,7 @@ void setRates(Head<std::int32_t> &h) {
   std::int32_t y = seriesPower(exponent, -432030200);
   for (int i = 0; i < 3; ++i) y = wrap32((std::int64_t{y} * y) >> 31);
   h.alphaP = y;
-  h.delta = 163840;
+  h.delta = kDeltaQ15;
 }
 
 // Frames in one second. The plain form takes the largest power of two in len / 2 for the hop, which is not
@@ -114,7 +116,7 @@ Head<Value> startedHead(std::int32_t sampleRate, std::int32_t len, std::int32_t 
   Head<Value> h{};
   h.sampleRate = sampleRate;
   h.fftLen = len;
-  h.halfLenBits = std::bit_width(static_cast<std::uint32_t>(len / 2));
+  h.halfLenBits = static_cast<std::int32_t>(std::bit_width(static_cast<std::uint32_t>(len / 2)));
   h.hop = hop;
   h.firstFrame = 1;
   auto *arrays = reinterpret_cast<Value *>(reinterpret_cast<std::uint8_t *>(state) + sizeof h);
@@ -195,28 +197,38 @@ struct FixedTracker {
   static constexpr double kUnit = 0x1p-31;
 
   // Powers of two are taken into the constants, which leaves every rounding as it is.
-  i32x4 alphaS, restS, negativeS, restP;
-  double alphaP, alphaD, restD, delta;
+  std::int32_t alphaS;
+  i32x4 twiceAlphaS, twiceRestS, restP;
+  double alphaP, alphaD, restD;
 
   explicit FixedTracker(const Head<std::int32_t> &h)
-      : alphaS(simd::splat4(h.alphaS)),
-        restS(simd::splat4(wrap32(std::int64_t{kOne} - h.alphaS))),
-        negativeS(simd::splat4(h.alphaS < 0 ? -1 : 0)),
+      : alphaS(h.alphaS),
+        twiceAlphaS(simd::splat4(shiftLeft32(h.alphaS, 1))),
+        twiceRestS(simd::splat4(shiftLeft32(subWrap32(kOne, h.alphaS), 1))),
         restP(simd::splat4(subWrap32(kOne, h.alphaP))),
         alphaP(h.alphaP * kUnit),
         alphaD(h.alphaD * kUnit),
-        restD((static_cast<double>(kOne) - h.alphaD) * kUnit * kUnit),
-        delta(h.delta * 0x1p-15) {}
+        restD((static_cast<double>(kOne) - h.alphaD) * kUnit * kUnit) {}
 
-  // (alphaS s + (2^31 - 1 - alphaS) power) >> 31 in wrapping 64 bits. The products are unsigned: a negative
-  // factor counts 2^32 times the other one too much. The second coefficient is never negative.
+  // (alphaS s + (2^31 - 1 - alphaS) power) >> 31, cut to 32 bits. Where nothing is negative, these are the
+  // upper halves of the sums of twice the products.
   i32x4 smooth(i32x4 s, i32x4 power) const {
-    const i32x4 excess = ((s >> 31) & alphaS) + (s & negativeS) + ((power >> 31) & restS);
-    return bitsFrom31(minusUpper(unsignedProducts(s, alphaS) + unsignedProducts(power, restS), excess));
+    if (alphaS >= 0 && signs(s | power) == 0)
+      return upperHalves(unsignedProducts(s, twiceAlphaS) + unsignedProducts(power, twiceRestS));
+    std::int32_t a[4], b[4];
+    store4(a, s);
+    store4(b, power);
+    for (int i = 0; i < 4; ++i)
+      a[i] = wrap32(addWrap64(std::int64_t{alphaS} * a[i], b[i] * (std::int64_t{kOne} - alphaS)) >> 31);
+    return simd::load4(a);
   }
-  // The threshold needs no upper limit, since no s is above it.
+  // Raised where s > 5 least, told without a product that could overflow: s >= least, so s - least > 4 least
+  // may be divided by 4, and below 0 it always holds. An upper limit of the threshold would change nothing.
   i32x4 probability(i32x4 p, i32x4 s, i32x4 least) const {
-    return truncate(toDouble(p) * alphaP) + ((toDouble(s) > toDouble(least) * delta) & restP);
+    static_assert(kDeltaQ15 == 5 << 15);
+    const i32x4 quarter = (s - least - simd::splat4(1)) >> 2;
+    const i32x4 isNoise = andNot(least >> 31, quarter < least);
+    return truncate(toDouble(p) * alphaP) + andNot(isNoise, restP);
   }
   i32x4 noise(i32x4 noise, i32x4 p, i32x4 power) const {
     const f64x4 a = simd::splat4(alphaD) + toDouble(p) * restD;

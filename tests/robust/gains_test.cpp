@@ -71,6 +71,7 @@ TEST(AmplitudeGain, LimitsTheRatioAndSaturates) {
   EXPECT_EQ(amplitude(1.0F, std::nanf("")), amplitude(1.0F, 3.1e-5F));
   EXPECT_TRUE(std::isnan(amplitude(std::nanf(""), 1.0F)));
   EXPECT_EQ(amplitude(kMost, 1), kMost);
+  EXPECT_EQ(amplitude(kMost, 2), kMost);  // from the first octave
   EXPECT_GT(amplitude(1.0F, 3.1e-5F), 100.0F);
 }
 
