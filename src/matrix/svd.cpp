@@ -36,11 +36,16 @@ struct Rotation {
   double c, s;
 };
 
-// One rotation of two values.
-inline void rotate(f64x2 &p, f64x2 &q, const Rotation &r) {
-  const f64x2 c = simd::splat2(r.c), s = simd::splat2(r.s), x = p, y = q;
-  p = x * c + y * s;
-  q = y * c - x * s;
+// One rotation of two values. The lanes are made before a loop: what it stores might be a Rotation, for all
+// that the compiler knows.
+struct RotationLanes {
+  f64x2 c, s;
+  explicit RotationLanes(const Rotation &r) : c(simd::splat2(r.c)), s(simd::splat2(r.s)) {}
+};
+inline void rotate(f64x2 &p, f64x2 &q, const RotationLanes &r) {
+  const f64x2 x = p, y = q;
+  p = x * r.c + y * r.s;
+  q = y * r.c - x * r.s;
 }
 inline void rotate(double &p, double &q, const Rotation &r) {
   const double x = p, y = q;
@@ -58,10 +63,11 @@ struct Lines {
 
   void rotatePair(std::int32_t p, std::int32_t q, const Rotation &r) const {
     double *x = (*this)[p], *y = (*this)[q];
+    const RotationLanes lanes(r);
     std::int32_t k = 0;
     for (; len - k >= 2; k += 2) {
       f64x2 a = simd::load2(x + k), b = simd::load2(y + k);
-      rotate(a, b, r);
+      rotate(a, b, lanes);
       simd::store2(x + k, a);
       simd::store2(y + k, b);
     }
@@ -69,8 +75,9 @@ struct Lines {
   }
 
   // Rotations of lines (first, first + 1), (first + 1, first + 2), ... in this order. Each element sees the
-  // same operations as line by line; four rotations at a time keep it in a register.
-  void rotateChain(std::int32_t first, const Rotation *r, std::int32_t count) const {
+  // same operations as line by line; four rotations at a time keep it in a register. Within a larger function
+  // the compiler has no registers left for the rotations.
+  [[gnu::noinline]] void rotateChain(std::int32_t first, const Rotation *r, std::int32_t count) const {
     std::int32_t j = 0;
     for (; count - j >= 4; j += 4) rotateFour(first + j, r + j);
     for (; j < count; ++j) rotatePair(first + j, first + j + 1, r[j]);
@@ -78,14 +85,16 @@ struct Lines {
 
   void rotateFour(std::int32_t first, const Rotation *r) const {
     double *x0 = (*this)[first], *x1 = x0 + stride, *x2 = x1 + stride, *x3 = x2 + stride, *x4 = x3 + stride;
+    const RotationLanes ab(r[0]), bc(r[1]), cd(r[2]), de(r[3]);
+    const std::int32_t n = len;
     std::int32_t k = 0;
-    for (; len - k >= 2; k += 2) {
+    for (; n - k >= 2; k += 2) {
       f64x2 a = simd::load2(x0 + k), b = simd::load2(x1 + k), c = simd::load2(x2 + k),
             d = simd::load2(x3 + k), e = simd::load2(x4 + k);
-      rotate(a, b, r[0]);
-      rotate(b, c, r[1]);
-      rotate(c, d, r[2]);
-      rotate(d, e, r[3]);
+      rotate(a, b, ab);
+      rotate(b, c, bc);
+      rotate(c, d, cd);
+      rotate(d, e, de);
       simd::store2(x0 + k, a);
       simd::store2(x1 + k, b);
       simd::store2(x2 + k, c);
@@ -242,7 +251,8 @@ class Decomposition {
   void reflectRows(std::int32_t l) {
     const std::int32_t len = m_ - l;
     if (len < 1) return;
-    for (std::int32_t j = 0; j < len; ++j) sums_[j] = 0;
+    double *const sums = sums_;
+    for (std::int32_t j = 0; j < len; ++j) sums[j] = 0;
     std::int32_t k = l;
     for (; n_ - k >= 4; k += 4) {
       const double *x0 = u_[k] + l, *x1 = u_[k + 1] + l, *x2 = u_[k + 2] + l, *x3 = u_[k + 3] + l;
@@ -250,17 +260,16 @@ class Decomposition {
                   d = simd::splat2(row_[k + 3]);
       std::int32_t j = 0;
       for (; len - j >= 2; j += 2) {
-        f64x2 sum = simd::load2(sums_ + j) + simd::load2(x0 + j) * a;
+        f64x2 sum = simd::load2(sums + j) + simd::load2(x0 + j) * a;
         sum = sum + simd::load2(x1 + j) * b;
         sum = sum + simd::load2(x2 + j) * c;
-        simd::store2(sums_ + j, sum + simd::load2(x3 + j) * d);
+        simd::store2(sums + j, sum + simd::load2(x3 + j) * d);
       }
       if (j < len)
-        sums_[j] =
-            sums_[j] + x0[j] * row_[k] + x1[j] * row_[k + 1] + x2[j] * row_[k + 2] + x3[j] * row_[k + 3];
+        sums[j] = sums[j] + x0[j] * row_[k] + x1[j] * row_[k + 1] + x2[j] * row_[k + 2] + x3[j] * row_[k + 3];
     }
-    for (; k < n_; ++k) addMul(u_[k] + l, sums_, len, row_[k]);
-    for (k = l; k < n_; ++k) addMul(sums_, u_[k] + l, len, superDiagonal_[k]);
+    for (; k < n_; ++k) addMul(u_[k] + l, sums, len, row_[k]);
+    for (k = l; k < n_; ++k) addMul(sums, u_[k] + l, len, superDiagonal_[k]);
   }
 
   void accumulateRight() {
