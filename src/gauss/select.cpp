@@ -7,6 +7,7 @@
 
 #include "core/alloc.h"
 #include "core/integer.h"
+#include "core/logadd.h"
 #include "gauss/checks.h"
 #include "gauss/rows.h"
 #include "orvsr/core.h"
@@ -26,9 +27,47 @@ bool anyNullRow(const T *const *rows, std::int32_t count) {
   return false;
 }
 
+// The Gaussians that a frame's row of the shortlist selects, in ascending order.
+class Selected {
+ public:
+  Selected() = default;
+  Selected(const std::uint8_t *row, std::int32_t nMix)
+      : row_(row), bytes_((std::int64_t{nMix} + 7) / 8), padding_(8 * bytes_ - nMix) {}
+
+  // The next one, or -1 after the last. Eight bits are looked at together, as most are clear.
+  std::int32_t next() {
+    while (bits_ == 0) {
+      if (read_ == bytes_) return -1;
+      bits_ = row_[read_++];
+      if (read_ == bytes_) bits_ = bits_ >> padding_ << padding_;
+    }
+    const int bit = std::countl_zero(static_cast<std::uint8_t>(bits_));
+    bits_ &= ~(128U >> bit);
+    return static_cast<std::int32_t>(8 * (read_ - 1) + bit);
+  }
+
+ private:
+  const std::uint8_t *row_ = nullptr;
+  std::int64_t bytes_ = 0, padding_ = 0, read_ = 0;
+  std::uint32_t bits_ = 0;
+};
+
+// Adds each score to its sum. A few of them cost less one by one than a whole block of orvsLogAdd_32f, which
+// gives the same sums.
+void addLogs(const float *scores, float *sums, std::int32_t count) {
+  constexpr std::int32_t kFew = 3;
+  if (count > kFew) {
+    orvsLogAdd_32f(scores, sums, count, orvAlgHintNone);
+  } else {
+    const LogDomain32f domain;
+    for (std::int32_t i = 0; i < count; ++i)
+      sums[i] = logAddStep<Grouping::constantFirst>(domain, sums[i], scores[i]);
+  }
+}
+
 // score(f, m) is the score of frame f under Gaussian m. Gaussians enter a frame's sum in ascending order, the
-// first as it is: no frame with a bit sees the log-domain zero. Eight bits are looked at together, as most
-// are clear.
+// first as it is: no frame with a bit sees the log-domain zero. Some frames go side by side, a Gaussian of
+// each at a time, since a frame's additions wait for one another.
 template <class Score>
 OrvStatus scoreSelected(const std::uint8_t *bits, std::int32_t nMix, float *result, std::int32_t frames,
                         float defaultValue, Score &&score) {
@@ -39,22 +78,38 @@ OrvStatus scoreSelected(const std::uint8_t *bits, std::int32_t nMix, float *resu
   orvsSet_16s(0, taken.get(), frames);
   orvsSet_32f(kLogZero, result, frames);
 
+  constexpr std::int32_t kSideBySide = 8;
   const std::int64_t rowBytes = (std::int64_t{nMix} + 7) / 8;
-  for (std::int64_t byte = 0; byte < rowBytes; ++byte) {
-    const std::int64_t padding = byte + 1 < rowBytes ? 0 : 8 * rowBytes - nMix;
-    for (std::int32_t f = 0; f < frames; ++f) {
-      auto selected = static_cast<std::uint8_t>(bits[f * rowBytes + byte] >> padding << padding);
-      while (selected != 0) {
-        const int bit = std::countl_zero(selected);
-        selected = static_cast<std::uint8_t>(selected & ~(128U >> bit));
-        const float s = score(f, static_cast<std::int32_t>(8 * byte + bit));
-        std::int16_t &count = taken.get()[f];
-        if (count == 0)
+  for (std::int32_t first = 0; first < frames; first += kSideBySide) {
+    std::int32_t unfinished[kSideBySide];
+    Selected selected[kSideBySide];
+    std::int32_t count = 0;
+    for (std::int32_t f = first; f < frames && count < kSideBySide; ++f, ++count) {
+      unfinished[count] = f;
+      selected[count] = Selected(bits + f * rowBytes, nMix);
+    }
+    while (count > 0) {
+      float scores[kSideBySide], sums[kSideBySide];
+      std::int32_t adding[kSideBySide], additions = 0, left = 0;
+      for (std::int32_t i = 0; i < count; ++i) {
+        const std::int32_t f = unfinished[i], m = selected[i].next();
+        if (m < 0) continue;
+        const float s = score(f, m);
+        std::int16_t &number = taken.get()[f];
+        if (number == 0) {
           store(result + f, s);
-        else
-          orvsLogAdd_32f(&s, result + f, 1, orvAlgHintNone);
-        count = wrap16(count + 1);
+        } else {
+          scores[additions] = s;
+          sums[additions] = load(result + f);
+          adding[additions++] = f;
+        }
+        number = wrap16(number + 1);
+        unfinished[left] = f;
+        selected[left++] = selected[i];
       }
+      count = left;
+      addLogs(scores, sums, additions);
+      for (std::int32_t i = 0; i < additions; ++i) store(result + adding[i], sums[i]);
     }
   }
   for (std::int32_t f = 0; f < frames; ++f)
