@@ -101,7 +101,14 @@ OrvStatus orvsMulPackConj_32f_I(const float *src, float *srcDst, std::int32_t le
   if (src == nullptr || srcDst == nullptr) return orvStsNullPtrErr;
   if (len < 1) return orvStsSizeErr;
   store(srcDst, load(src) * load(srcDst));
+  const f32x4 second = simd::pack4(0, 1, 0, 1) > simd::splat4(0.0F);
   std::int32_t i = 1;
+  for (; len - i >= 4; i += 4) {  // a, b twice, and c, d
+    const f32x4 ab = simd::load4(src + i), cd = simd::load4(srcDst + i);
+    const f32x4 cc = simd::shuffle<0, 0, 2, 2>(cd, cd), dd = simd::shuffle<1, 1, 3, 3>(cd, cd);
+    const f32x4 x = ab * cc, y = simd::shuffle<1, 0, 3, 2>(ab, ab) * dd;
+    simd::store4(srcDst + i, simd::select(second, x - y, x + y));
+  }
   for (; i + 1 < len; i += 2) {
     const float a = load(src + i), b = load(src + i + 1), c = load(srcDst + i), d = load(srcDst + i + 1);
     store(srcDst + i, a * c + b * d);

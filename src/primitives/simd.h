@@ -184,6 +184,9 @@ inline i32x4 load4(const std::int32_t *p) { return {_mm_loadu_si128(reinterpret_
 inline i32x4 splat4(std::int32_t a) { return {_mm_set1_epi32(a)}; }
 inline i32x4 operator+(i32x4 a, i32x4 b) { return {_mm_add_epi32(a.v, b.v)}; }
 inline i32x4 operator-(i32x4 a, i32x4 b) { return {_mm_sub_epi32(a.v, b.v)}; }
+inline i32x4 operator&(i32x4 a, i32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
+inline i32x4 operator^(i32x4 a, i32x4 b) { return {_mm_xor_si128(a.v, b.v)}; }
+inline f32x4 bitsOf(i32x4 a) { return {_mm_castsi128_ps(a.v)}; }
 inline i32x4 operator*(i32x4 a, i32x4 b) {
   const __m128i even = _mm_mul_epu32(a.v, b.v);
   const __m128i odd = _mm_mul_epu32(_mm_srli_epi64(a.v, 32), _mm_srli_epi64(b.v, 32));
@@ -303,8 +306,8 @@ inline i32x4 truncate(f64x4 a) {
 inline f64x4 max(f64x4 a, f64x4 b) { return {max(a.low, b.low), max(a.high, b.high)}; }
 inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 
-// Whatever was stored before is loaded again after this, instead of being kept in a register that some other value
-// would have to leave.
+// Whatever was stored before is loaded again after this, instead of being kept in a register that some other
+// value would have to leave.
 inline void forgetRegisters() { asm volatile("" : : : "memory"); }
 
 // --- lanes that change places
@@ -330,6 +333,15 @@ inline void loadRows4(const float (*table)[4], i32x4 indices, f32x4 (&rows)[4]) 
   rows[1] = loadAligned4(table[low >> 32]);
   rows[2] = loadAligned4(table[static_cast<std::uint32_t>(high)]);
   rows[3] = loadAligned4(table[high >> 32]);
+}
+
+// p[i] of four indices, which are not negative.
+inline f32x4 gather4(const float *p, i32x4 indices) {
+  const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(indices.v));
+  const auto high =
+      static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_shuffle_epi32(indices.v, _MM_SHUFFLE(3, 2, 3, 2))));
+  return {_mm_setr_ps(p[static_cast<std::uint32_t>(low)], p[low >> 32], p[static_cast<std::uint32_t>(high)],
+                      p[high >> 32])};
 }
 
 // --- the same element of four rows

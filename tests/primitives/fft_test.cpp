@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "primitives/convert.h"
+#include "primitives/fft/sine.h"
 #include "primitives/fft/state.h"
 #include "support/allocation.h"
 #include "support/arrays.h"
@@ -203,6 +204,21 @@ TEST_P(ShortFftOrder, LetsNaNsThrough) {
     const Signal packed(len, signal[place]);
     orvsFFTInv_PackToR_32f(packed.data(), signal.data(), fft.spec, fft.workData());
     for (const float v : signal) ASSERT_TRUE(std::isnan(v));
+  }
+}
+
+// A table from few angles is the one that asks for the sine of each.
+TEST(Fft, TakesTheNearestSines) {
+  for (int order = 11; order <= 18; ++order) {
+    const std::size_t quarter = lengthOf(order) / 4;
+    std::vector<float> sines(quarter + 1);
+    fft::buildSine(sines.data(), order);
+    const double step = 2 * std::numbers::pi / static_cast<double>(lengthOf(order));
+    for (std::size_t i = 0; i <= quarter; ++i)
+      ASSERT_EQ(sines[i],
+                static_cast<float>(i <= quarter / 2 ? std::sin(static_cast<double>(i) * step)
+                                                    : std::cos(static_cast<double>(quarter - i) * step)))
+          << i << " of order " << order;
   }
 }
 

@@ -35,7 +35,11 @@ struct Groups {
   }
 };
 
-// Two floats at a time: exchanges element (a, b, c) with (c, b, a).
+// Two points of one row, whose bits are moved.
+simd::f64x2 loadPoints(const float *p) { return simd::load2(reinterpret_cast<const double *>(p)); }
+void storePoints(float *p, simd::f64x2 v) { simd::store2(reinterpret_cast<double *>(p), v); }
+
+// Exchanges element (a, b, c) with (c, b, a), in squares of two by two.
 void exchangeOuterDigits(float *data, Split split) {
   const std::size_t side = std::size_t{1} << split.side;
   const std::size_t row = side << split.middle;
@@ -45,15 +49,16 @@ void exchangeOuterDigits(float *data, Split split) {
   for (std::size_t a0 = 0; a0 < side; a0 += kColumns)
     for (std::size_t c0 = a0; c0 < side; c0 += kColumns)
       for (std::size_t b = 0; b < row / side; ++b)
-        for (std::size_t a = a0; a < a0 + kColumns; ++a)
-          for (std::size_t c = c0 == a0 ? a + 1 : c0; c < c0 + kColumns; ++c) {
+        for (std::size_t a = a0; a < a0 + kColumns; a += 2)
+          for (std::size_t c = c0 == a0 ? a : c0; c < c0 + kColumns; c += 2) {
             float *p = element(a, b, c);
             float *q = element(c, b, a);
-            std::uint64_t v, w;
-            std::memcpy(&v, p, sizeof v);
-            std::memcpy(&w, q, sizeof w);
-            std::memcpy(p, &w, sizeof w);
-            std::memcpy(q, &v, sizeof v);
+            const simd::f64x2 p0 = loadPoints(p), p1 = loadPoints(p + 2 * row);
+            const simd::f64x2 q0 = loadPoints(q), q1 = loadPoints(q + 2 * row);
+            storePoints(p, firstAndFirst(q0, q1));
+            storePoints(p + 2 * row, secondAndSecond(q0, q1));
+            storePoints(q, firstAndFirst(p0, p1));
+            storePoints(q + 2 * row, secondAndSecond(p0, p1));
           }
 }
 
@@ -159,17 +164,26 @@ void transform(const OrvRealFftState32f &spec, const float *src, float *dst, flo
   columnStep(dst, 2 * row, sides, spec.levelStepTwiddles[0], groups, finish);
 }
 
-// In the order in which columnStep reads them: W^(row column) for groups of eight columns.
-void buildSteps(float *steps, std::int64_t rows, std::int64_t columns, const UnitCircle &circle,
+// In the order in which columnStep reads them: W^(row column) for groups of eight columns. The table of the
+// circle has as many points as the real transform, twice as many as the order of the steps or more.
+void buildSteps(float *steps, std::int64_t rows, std::int64_t columns, UnitCircle circle,
                 std::int32_t order) {
-  for (std::int64_t at = 0; at < columns; at += kColumns)
-    for (std::int64_t row = 0; row < rows; ++row, steps += 2 * kColumns)
-      for (std::int64_t i = 0; i < std::int64_t{kColumns}; ++i) {
-        const Twiddle w = circle.at(row * (at + i), order);
-        float *part = steps + i / 4 * 8 + i % 4;
-        part[0] = w.re;
-        part[4] = w.im;
+  const int shift = circle.order() - order;
+  const simd::i32x4 wrap = simd::splat4((std::int32_t{1} << circle.order()) - 1);
+  for (std::int64_t at = 0; at < columns; at += kColumns) {
+    simd::i32x4 indices[2] = {simd::splat4(0), simd::splat4(0)}, next[2];  // row times column
+    for (int half = 0; half < 2; ++half) {
+      std::int32_t column[4];
+      for (int i = 0; i < 4; ++i) column[i] = static_cast<std::int32_t>(at + 4 * half + i) << shift;
+      next[half] = simd::load4(column);
+    }
+    for (std::int64_t row = 0; row < rows; ++row)
+      for (int half = 0; half < 2; ++half, steps += kLaneFloats) {
+        const auto [re, im] = circle.atFour(indices[half]);
+        storeLanes(steps, {re, im});
+        indices[half] = (indices[half] + next[half]) & wrap;
       }
+  }
 }
 
 // Between the transform Z of the M points and the spectrum X of the 2M values that they hold, for pairs of
@@ -193,11 +207,14 @@ void recombine(Complex4 &low, Complex4 &high, Complex4 w) {
 }
 
 void buildBinFactors(float *table, std::int32_t order, const UnitCircle &circle) {
-  for (std::int64_t k = 0; k < std::int64_t{1} << (order - 2); ++k) {
-    const Twiddle w = circle.at(k, order);
-    float *part = table + k / 4 * kLaneFloats + k % 4;
-    part[0] = 0.5F * w.re;
-    part[4] = static_cast<float>(0.5 + 0.5 * static_cast<double>(w.im));
+  const std::int64_t quarter = std::int64_t{1} << (order - 2);
+  const simd::f64x2 half = simd::splat2(0.5);
+  for (std::int64_t k = 0; k < quarter; k += 4, table += kLaneFloats) {
+    const simd::f32x4 sine = simd::load4(circle.sines() + k);
+    const simd::f32x4 cosine = simd::load4(circle.sines() + quarter - k - 3);
+    storeLanes(table,
+               {simd::shuffle<3, 2, 1, 0>(cosine, cosine) * 0.5F,
+                simd::narrow(half - half * simd::widenLow(sine), half - half * simd::widenHigh(sine))});
   }
 }
 

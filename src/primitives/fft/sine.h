@@ -3,7 +3,10 @@
 #ifndef ORV_PRIMITIVES_FFT_SINE_H
 #define ORV_PRIMITIVES_FFT_SINE_H
 
+#include <bit>
 #include <cstdint>
+
+#include "primitives/simd.h"
 
 namespace orv::fft {
 
@@ -65,21 +68,37 @@ class UnitCircle {
     const std::int64_t quarter = std::int64_t{1} << (order_ - 2);
     const std::int64_t turn = (index << (order_ - order)) & (4 * quarter - 1);
     const std::int64_t within = turn & (quarter - 1);
-    const float s = sine_[within];
-    const float c = sine_[quarter - within];
-    switch (turn / quarter) {
-      case 0:
-        return {c, -s};
-      case 1:
-        return {-s, -c};
-      case 2:
-        return {-c, s};
-      default:
-        return {s, c};
-    }
+    // Each part is a sine or a cosine by its quadrant, with a sign: (c, -s), (-s, -c), (-c, s), (s, c).
+    const auto quadrant = static_cast<std::uint32_t>(turn / quarter);
+    const bool odd = quadrant % 2 != 0;
+    const float re = sine_[odd ? within : quarter - within];
+    const float im = sine_[odd ? quarter - within : within];
+    return {negatedIf((quadrant ^ quadrant >> 1U) & 1U, re), negatedIf(~quadrant >> 1U & 1U, im)};
   }
 
+  // The same of four indices at once, at the order of the table.
+  struct FourTwiddles {
+    simd::f32x4 re, im;
+  };
+  FourTwiddles atFour(simd::i32x4 indices) const {
+    const std::int32_t quarter = std::int32_t{1} << (order_ - 2);
+    const simd::i32x4 within = indices & simd::splat4(quarter - 1);
+    const simd::i32x4 opposite = simd::splat4(quarter) - within;
+    const simd::i32x4 quadrant = indices >> (order_ - 2), half = quadrant >> 1;
+    const simd::i32x4 ifOdd = (within ^ opposite) & (simd::splat4(0) - (quadrant & simd::splat4(1)));
+    return {simd::gather4(sine_, opposite ^ ifOdd) ^ simd::bitsOf((quadrant ^ half) << 31),
+            simd::gather4(sine_, within ^ ifOdd) ^ simd::bitsOf((half ^ simd::splat4(1)) << 31)};
+  }
+
+  // sin(2 pi i / 2^order) of the first quarter turn, at the order of the table.
+  const float *sines() const { return sine_; }
+  std::int32_t order() const { return order_; }
+
  private:
+  static constexpr float negatedIf(std::uint32_t condition, float v) {
+    return std::bit_cast<float>(std::bit_cast<std::uint32_t>(v) ^ condition << 31U);
+  }
+
   const float *sine_;
   std::int32_t order_;
 };
