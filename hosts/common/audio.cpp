@@ -1,6 +1,7 @@
 #include "common/audio.h"
 
 #include <sndfile.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -18,45 +19,70 @@ namespace {
 constexpr float kLargestSample = 1e6f;
 constexpr float kSilence = 0.001f;
 
-void checkSamples(const Recording &recording) {
-  const auto bad = std::find_if(recording.samples.begin(), recording.samples.end(),
-                                [](float x) { return !(std::fabs(x) <= kLargestSample); });
-  if (bad == recording.samples.end()) return;
-  throw Error(recording.file, "sample " + std::to_string(bad - recording.samples.begin() + 1) +
-                                  (std::isfinite(*bad) ? " is far out of range" : " is not a finite number"));
-}
-
 }  // namespace
 
-Recording readRecording(const std::filesystem::path &file) {
-  std::error_code failure;
-  const auto status = std::filesystem::status(file, failure);
-  if (!std::filesystem::exists(status)) throw Error(file, "no such file");
-  if (std::filesystem::is_directory(status)) throw Error(file, "is a folder, not a recording");
-
+struct RecordingReader::State {
+  std::filesystem::path file;
   SF_INFO info{};
-  const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> source(sf_open(file.c_str(), SFM_READ, &info), sf_close);
-  if (!source) throw Error(file, std::string("cannot be read as audio: ") + sf_strerror(nullptr));
-  if (info.channels != 1) {
-    throw Error(file, "has " + std::to_string(info.channels) + " channels; one is needed");
-  }
+  std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> source{nullptr, sf_close};
+  std::array<float, 16384> block;
+  std::size_t read = 0;
+};
 
+RecordingReader::~RecordingReader() = default;
+RecordingReader::RecordingReader(RecordingReader &&) noexcept = default;
+RecordingReader &RecordingReader::operator=(RecordingReader &&) noexcept = default;
+
+RecordingReader::RecordingReader(const std::filesystem::path &file) : state_(std::make_unique<State>()) {
+  State &s = *state_;
+  s.file = file;
+  if (file == "-") {
+    s.source.reset(sf_open_fd(STDIN_FILENO, SFM_READ, &s.info, SF_FALSE));
+  } else {
+    std::error_code failure;
+    const auto status = std::filesystem::status(file, failure);
+    if (!std::filesystem::exists(status)) throw Error(file, "no such file");
+    if (std::filesystem::is_directory(status)) throw Error(file, "is a folder, not a recording");
+    s.source.reset(sf_open(file.c_str(), SFM_READ, &s.info));
+  }
+  if (!s.source) throw Error(file, std::string("cannot be read as audio: ") + sf_strerror(nullptr));
+  if (s.info.channels != 1)
+    throw Error(file, "has " + std::to_string(s.info.channels) + " channels; one is needed");
+}
+
+const std::filesystem::path &RecordingReader::file() const { return state_->file; }
+int RecordingReader::sampleRate() const { return state_->info.samplerate; }
+
+std::span<const float> RecordingReader::read() {
+  State &s = *state_;
+  // The length in the header may be wrong; what counts is what can be read.
+  const sf_count_t count = sf_readf_float(s.source.get(), s.block.data(), s.block.size());
+  if (sf_error(s.source.get()) != SF_ERR_NO_ERROR)
+    throw Error(s.file, std::string("cannot be read to its end: ") + sf_strerror(s.source.get()));
+  const auto samples =
+      std::span<const float>(s.block).first(static_cast<std::size_t>(std::max<sf_count_t>(count, 0)));
+  if (samples.empty() && s.read == 0) throw UnusableRecording(s.file, "holds no samples");
+  const auto bad =
+      std::find_if(samples.begin(), samples.end(), [](float x) { return !(std::fabs(x) <= kLargestSample); });
+  if (bad != samples.end()) {
+    throw Error(s.file, "sample " +
+                            std::to_string(s.read + static_cast<std::size_t>(bad - samples.begin()) + 1) +
+                            (std::isfinite(*bad) ? " is far out of range" : " is not a finite number"));
+  }
+  s.read += samples.size();
+  return samples;
+}
+
+Recording readRecording(const std::filesystem::path &file) {
+  RecordingReader reader(file);
   Recording recording;
   recording.file = file;
-  recording.sampleRate = info.samplerate;
-  std::array<float, 16384> block;
-  // The length in the header may be wrong; what counts is what can be read.
+  recording.sampleRate = reader.sampleRate();
   while (true) {
-    const sf_count_t count = sf_readf_float(source.get(), block.data(), block.size());
-    if (count <= 0) break;
-    recording.samples.insert(recording.samples.end(), block.begin(), block.begin() + count);
+    const auto samples = reader.read();
+    if (samples.empty()) return recording;
+    recording.samples.insert(recording.samples.end(), samples.begin(), samples.end());
   }
-  if (sf_error(source.get()) != SF_ERR_NO_ERROR) {
-    throw Error(file, std::string("cannot be read to its end: ") + sf_strerror(source.get()));
-  }
-  if (recording.samples.empty()) throw UnusableRecording(file, "holds no samples");
-  checkSamples(recording);
-  return recording;
 }
 
 void refuseSilence(const Recording &recording) {

@@ -3,7 +3,10 @@
 #ifndef ORV_HOSTS_COMMON_AUDIO_H
 #define ORV_HOSTS_COMMON_AUDIO_H
 
+#include <cstddef>
 #include <filesystem>
+#include <memory>
+#include <span>
 #include <vector>
 
 namespace orv {
@@ -16,10 +19,29 @@ struct Recording {
   double seconds() const { return static_cast<double>(samples.size()) / sampleRate; }
 };
 
-// Reads a recording of one channel in any format of libsndfile. Two channels are refused rather than
+// Samples of one channel in any format of libsndfile, block by block. Two channels are refused rather than
 // averaged: the sum of two microphones is not what either of them heard. Throws Error for what is missing, no
 // audio, of more channels, or holds a sample that is no number or far out of range; UnusableRecording for no
 // samples at all.
+class RecordingReader {
+ public:
+  // "-" is standard input.
+  explicit RecordingReader(const std::filesystem::path &file);
+  ~RecordingReader();
+  RecordingReader(RecordingReader &&) noexcept;
+  RecordingReader &operator=(RecordingReader &&) noexcept;
+
+  const std::filesystem::path &file() const;
+  int sampleRate() const;
+  // The next samples, until the next call; none at the end.
+  std::span<const float> read();
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+// The same as a whole.
 Recording readRecording(const std::filesystem::path &file);
 
 // Throws UnusableRecording if no sample reaches a thousandth of full scale: there is nothing to recognise.

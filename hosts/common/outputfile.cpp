@@ -19,11 +19,13 @@ namespace fs = std::filesystem;
 
 std::string reason(int error) { return std::string("cannot be written: ") + std::strerror(error); }
 
+}  // namespace
+
 // A new file beside the target, removed again unless it is renamed to it.
-class Aside {
+class OutputFile::Stream::Aside {
  public:
-  Aside(const fs::path &file, const fs::path &target)
-      : file_(file), target_(target), name_(target.string() + ".XXXXXX") {
+  Aside(fs::path file, fs::path target)
+      : file_(std::move(file)), target_(std::move(target)), name_(target_.string() + ".XXXXXX") {
     fd_ = mkstemp(name_.data());
     if (fd_ < 0) fail();
   }
@@ -34,12 +36,19 @@ class Aside {
     if (!renamed_) unlink(name_.c_str());
   }
 
-  void write(std::string_view contents) const {
-    while (!contents.empty()) {
-      const ssize_t count = ::write(fd_, contents.data(), contents.size());
-      if (count < 0 && errno != EINTR) fail();
-      if (count > 0) contents.remove_prefix(static_cast<std::size_t>(count));
-    }
+  int descriptor() const { return fd_; }
+
+  void append(std::string_view contents) const {
+    write(contents, [this](std::string_view rest) { return ::write(fd_, rest.data(), rest.size()); });
+  }
+
+  void overwrite(std::uint64_t at, std::string_view contents) const {
+    auto offset = static_cast<off_t>(at);
+    write(contents, [&](std::string_view rest) {
+      const ssize_t count = pwrite(fd_, rest.data(), rest.size(), offset);
+      if (count > 0) offset += count;
+      return count;
+    });
   }
 
   void commit() {
@@ -56,14 +65,35 @@ class Aside {
  private:
   [[noreturn]] void fail() const { throw Error(file_, reason(errno)); }
 
-  const fs::path &file_;
-  const fs::path &target_;
+  template <class Write>
+  void write(std::string_view contents, Write some) const {
+    while (!contents.empty()) {
+      const ssize_t count = some(contents);
+      if (count < 0 && errno != EINTR) fail();
+      if (count > 0) contents.remove_prefix(static_cast<std::size_t>(count));
+    }
+  }
+
+  const fs::path file_, target_;
   std::string name_;
   int fd_ = -1;
   bool renamed_ = false;
 };
 
-}  // namespace
+OutputFile::Stream::Stream(std::unique_ptr<Aside> aside) : aside_(std::move(aside)) {}
+OutputFile::Stream::~Stream() = default;
+OutputFile::Stream::Stream(Stream &&) noexcept = default;
+OutputFile::Stream &OutputFile::Stream::operator=(Stream &&) noexcept = default;
+void OutputFile::Stream::append(std::string_view contents) { aside_->append(contents); }
+void OutputFile::Stream::overwrite(std::uint64_t at, std::string_view contents) {
+  aside_->overwrite(at, contents);
+}
+int OutputFile::Stream::descriptor() const { return aside_->descriptor(); }
+void OutputFile::Stream::commit() { aside_->commit(); }
+
+OutputFile::Stream OutputFile::stream() const {
+  return Stream(std::make_unique<Stream::Aside>(file_, target_));
+}
 
 OutputFile::OutputFile(const fs::path &file) : file_(file) {
   std::error_code failure;
@@ -74,12 +104,12 @@ OutputFile::OutputFile(const fs::path &file) : file_(file) {
     if (!fs::is_regular_file(status)) throw Error(file, "cannot be written: not a regular file");
     if (access(target_.c_str(), W_OK) != 0) throw Error(file, reason(errno));
   }
-  const Aside probe(file_, target_);
+  stream();  // removed at once
 }
 
 void OutputFile::write(std::string_view contents) const {
-  Aside aside(file_, target_);
-  aside.write(contents);
+  Stream aside = stream();
+  aside.append(contents);
   aside.commit();
 }
 

@@ -3,7 +3,9 @@
 #ifndef ORV_HOSTS_COMMON_OUTPUTFILE_H
 #define ORV_HOSTS_COMMON_OUTPUTFILE_H
 
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 
 namespace orv {
@@ -15,6 +17,28 @@ class OutputFile {
  public:
   explicit OutputFile(const std::filesystem::path &file);
   void write(std::string_view contents) const;
+
+  // A file whose contents come in pieces. It takes its place with commit(), and is gone without.
+  class Stream {
+   public:
+    ~Stream();
+    Stream(Stream &&) noexcept;
+    Stream &operator=(Stream &&) noexcept;
+
+    void append(std::string_view contents);
+    // Writes over what begins so many bytes from the start.
+    void overwrite(std::uint64_t at, std::string_view contents);
+    // For libraries that write by themselves; it stays open until commit().
+    int descriptor() const;
+    void commit();
+
+   private:
+    friend class OutputFile;
+    class Aside;
+    explicit Stream(std::unique_ptr<Aside> aside);
+    std::unique_ptr<Aside> aside_;
+  };
+  Stream stream() const;
 
  private:
   std::filesystem::path file_;    // as given, for messages
