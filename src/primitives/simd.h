@@ -207,7 +207,6 @@ inline i32x4 roundToInteger(f32x4 a) { return {_mm_cvtps_epi32(a.v)}; }
 inline i32x4 truncate(f32x4 a) { return {_mm_cvttps_epi32(a.v)}; }
 inline i32x4 firstLane4(std::int32_t a) { return {_mm_cvtsi32_si128(a)}; }
 inline std::int32_t firstOf(i32x4 a) { return _mm_cvtsi128_si32(a.v); }
-inline i32x4 operator&(i32x4 a, i32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
 inline i32x4 andNot(i32x4 mask, i32x4 a) { return {_mm_andnot_si128(mask.v, a.v)}; }
 inline i32x4 select(i32x4 mask, i32x4 a, i32x4 b) { return (mask & a) | andNot(mask, b); }
 inline i32x4 min(i32x4 a, i32x4 b) { return select(a < b, a, b); }
