@@ -80,9 +80,8 @@ struct Split8 {
     using namespace dot16;
     std::int32_t k = 0;
     for (; tapLen - k >= 2; k += 2) {
-      const std::int16_t tap0 = load(taps + k);
       const std::int16_t tap1 = load(taps + k + 1);
-      add(src + k, pairs(tap0, tap1), pairs(tap0, wrap16(-tap1)));
+      add(src + k, pairs(taps + k), pairs(load(taps + k), wrap16(-tap1)));
     }
     // The last of an odd number, beside a sample that was taken before: nothing is read behind the last one
     // that counts.

@@ -23,6 +23,12 @@ inline i16x8 load8(const std::int16_t *p) { return {simd::loadEight16(p)}; }
 inline i16x8 pairs(std::int16_t a, std::int16_t b) {
   return {_mm_unpacklo_epi16(_mm_set1_epi16(a), _mm_set1_epi16(b))};
 }
+// p[0] and p[1] in turn.
+inline i16x8 pairs(const std::int16_t *p) {
+  std::int32_t both;
+  std::memcpy(&both, p, sizeof both);
+  return {_mm_set1_epi32(both)};
+}
 // x0 y0 + x1 y1, x2 y2 + x3 y3, ...
 inline simd::i32x4 dotPairs(i16x8 x, i16x8 y) { return {_mm_madd_epi16(x.v, y.v)}; }
 // a0 b0 a1 b1, a2 b2 a3 b3
@@ -36,14 +42,14 @@ inline simd::i32x4 negateEven(simd::i32x4 a) {
 }
 
 // Whether no sum of products of these taps and any samples leaves 32 bits, whatever signs the taps are given:
-// their magnitudes stay below 2^16 together, and each can be negated in 16 bits. Filters do; the others are
-// summed in 64 bits.
+// their magnitudes stay below 2^16 together, and each can be negated in 16 bits. Filters do; the others, and
+// those of thousands of taps, are summed in 64 bits.
 inline bool fit32(const std::int16_t *taps, std::int32_t len) {
-  std::int64_t magnitudes = 0;
+  if (len > 4096) return false;
+  std::int32_t magnitudes = 0;
   for (std::int32_t k = 0; k < len; ++k) {
     const std::int32_t tap = load(taps + k);
-    if (tap == INT16_MIN) return false;
-    magnitudes += tap < 0 ? -tap : tap;
+    magnitudes += tap == INT16_MIN ? 65536 : tap < 0 ? -tap : tap;
   }
   return magnitudes < 65536;
 }

@@ -1,6 +1,7 @@
 // orvsTabsCalculation_Aurora_*, orvsResidualFilter_Aurora_*: the filter that removes noise from a frame.
 
 #include <cstdint>
+#include <cstring>
 
 #include "orvsr/robust.h"
 #include "primitives/memory.h"
@@ -34,12 +35,12 @@ void filterIn32Bits(const std::int16_t *src, std::int16_t *dst, const std::int16
                     std::int32_t scaleFactor) {
   using namespace dot16;
   constexpr int count = (kTaps + 1) / 2;
+  std::int16_t padded[kTaps + 2] = {};
+  std::memcpy(padded + 1, taps, kTaps * sizeof *taps);
   i16x8 even[count], odd[count];
   for (int j = 0; j < count; ++j) {
-    const std::int16_t before = j > 0 ? load(taps + 2 * j - 1) : std::int16_t{0};
-    const std::int16_t behind = j + 1 < count ? load(taps + 2 * j + 1) : std::int16_t{0};
-    even[j] = pairs(load(taps + 2 * j), behind);
-    odd[j] = pairs(before, load(taps + 2 * j));
+    odd[j] = pairs(padded + 2 * j);
+    even[j] = pairs(padded + 2 * j + 1);
   }
   for (int n = 0; n < kFrame; n += 8) {
     simd::i32x4 evenSums = simd::splat4(0);

@@ -109,6 +109,13 @@ TEST(WaveProcessing, FindsPeaksAtTheEdges) {
   EXPECT_EQ(spike(199).back(), 199);
   EXPECT_EQ(spike(0).front(), 0);
   for (std::size_t at = 0; at < 200; ++at) spike(at);
+  // Whatever the energies are, nothing is read or written beyond the arrays; in place, too.
+  for (const float odd : {NAN, INFINITY, 1e30F})
+    for (std::size_t at = 0; at < 200; at += 7) {
+      Guarded<float> x(200, 4);
+      for (std::size_t i = 0; i < 200; ++i) x.set(i, i % (at + 1) == at ? odd : 1.0F);
+      EXPECT_EQ(orvsWaveProcessing_Aurora_32f(x.data(), x.data()), orvStsNoErr);
+    }
 }
 
 TEST(BlindEqualization, GoesElementByElement) {
