@@ -15,6 +15,7 @@ void addFrontendCases();
 void addMatrixCases();
 void addRobustCases();
 void addTrainCases();
+void addVqCases();
 void addHostCases();
 }  // namespace orv::bench
 
@@ -38,6 +39,7 @@ int main(int argc, char **argv) {
   orv::bench::addMatrixCases();
   orv::bench::addRobustCases();
   orv::bench::addTrainCases();
+  orv::bench::addVqCases();
 #if ORV_BENCH_HOSTS
   orv::bench::addHostCases();
 #endif

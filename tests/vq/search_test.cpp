@@ -126,6 +126,30 @@ TEST(VectorQuantisationOf32f, TakesRowsWithinAMillionthForEqual) {
   }
 }
 
+TYPED_TEST(VectorQuantisation, FindsInFieldsWhatAScanFinds) {
+  using T = TypeParam;
+  for (const int width : {1, 2}) {
+    int fields = 0;
+    for (int round = 0; round < 20; ++round) {
+      const int size = this->pick(40, 150);
+      const auto rows = this->numbers(size * width, 3000);
+      const auto weights = this->weights(width, false);
+      const auto book = buildBook(rows, weights, size, CDBK_DIRECT);
+      fields += (book->flags & kFieldInUse) != 0;
+      const auto x = this->numbers(400 * width, 2900);
+      std::vector<std::int32_t> index(400);
+      ASSERT_EQ(vq(x.data(), width, index.data(), 400, book.get()), orvStsNoErr);
+      for (int i = 0; i < 400; ++i) {
+        const T *vector = x.data() + i * width;
+        const T *found = rows.data() + index[static_cast<std::size_t>(i)] * width;
+        ASSERT_LE(squaredDistance(vector, found, weights),
+                  scanAll(vector, rows, weights).distance * 1.000002);
+      }
+    }
+    EXPECT_GT(fields, 5) << "width " << width;
+  }
+}
+
 TYPED_TEST(VectorQuantisation, LooksIntoTheCellOfAField) {
   using T = TypeParam;
   // Rows that say which list they stand in.
@@ -166,6 +190,92 @@ TYPED_TEST(VectorQuantisation, LooksIntoTheCellOfAField) {
   EXPECT_EQ(distances.back(), reported<T>(3.4028235e38, 40));
 }
 
+// --- trees
+
+template <class T>
+const T *centroid(const CdbkCluster *n) {
+  return static_cast<const T *>(n->pCentroid);
+}
+
+// The scores of the weighted search; larger is better.
+float logScoreOf(const float *row, const float *x, const CdbkState &book) {
+  float score = 0;
+  orvsLogGaussSingle_32f(row, x, weightsOf<float>(book), book.width, &score, 0);
+  return score;
+}
+std::int32_t logScoreOf(const std::int16_t *row, const std::int16_t *x, const CdbkState &book) {
+  int scale = 1;
+  while (book.width >> scale) ++scale;
+  std::int32_t score = 0;
+  orvsLogGaussSingle_16s32s_Sfs(row, x, weightsOf<std::int16_t>(book), book.width, &score, 0, scale);
+  return score;
+}
+
+struct Walk {
+  const CdbkCluster *leaf, *end;
+};
+
+template <class T>
+Walk walkTree(const CdbkState &book, const T *x) {
+  const bool weighted = isWeighted(book);
+  const auto score = [&](const CdbkCluster *n) {
+    return weighted ? static_cast<double>(logScoreOf(centroid<T>(n), x, book))
+                    : static_cast<double>(OwnDistanceE(x, centroid<T>(n), book.width));
+  };
+  // a is better than b by more than the tolerance.
+  const auto better = [&](double a, double b) { return weighted ? a > b * 1.000001 : b > a * 1.000001; };
+  const CdbkCluster *n = book.pRoot;
+  while (!n->isLeaf) {
+    const auto child = [](const CdbkCluster *c, bool right) {
+      return c->isLeaf ? c : right ? c->pRight : c->pLeft;
+    };
+    const double LL = score(child(n->pLeft, false)), LR = score(child(n->pLeft, true));
+    const double RL = score(child(n->pRight, false)), RR = score(child(n->pRight, true));
+    const bool left = (better(LL, RL) && better(LL, RR)) || (better(LR, RL) && better(LR, RR));
+    n = left ? n->pLeft : n->pRight;
+  }
+  Walk walk{n, n};
+  for (bool moved = true; moved;) {
+    moved = false;
+    const double b = score(walk.end);
+    for (int i = 0; i < walk.end->neighbourCount && !moved; ++i) {
+      const double s = score(walk.end->ppNeighbours[i]);
+      if (!better(s, b) || std::abs(s - b) <= std::abs(std::max(s, b)) * 1e-4) continue;
+      walk.end = walk.end->ppNeighbours[i];
+      moved = true;
+    }
+  }
+  return walk;
+}
+
+TYPED_TEST(VectorQuantisation, DescendsTreesAndWalksOn) {
+  using T = TypeParam;
+  int walked = 0;
+  for (int round = 0; round < 60; ++round) {
+    const int width = this->pick(1, 20), height = this->pick(round % 6 ? 2 : 1, 150);
+    const int size = round % 8 == 0 ? std::min(height, 3) : this->pick(1, std::min(height, 60));
+    const auto rows = this->numbers(height * width, 500);
+    auto weights = this->weights(width, round % 2);
+    weights[0] = 1;
+    const auto book = buildBook(rows, weights, size, round % 4 < 2 ? CDBK_SPLIT_SPREAD : CDBK_SPLIT_COUNT);
+    const auto x = this->numbers(100 * width, 550);
+    std::vector<std::int32_t> index(100);
+    std::vector<DistanceOf<T>> distance(100);
+    ASSERT_EQ(vqDist(x.data(), width, index.data(), distance.data(), 100, book.get(), 0), orvStsNoErr);
+    for (int i = 0; i < 100; ++i) {
+      const T *vector = x.data() + i * width;
+      const Walk walk = walkTree(*book, vector);
+      const auto at = static_cast<std::size_t>(i);
+      ASSERT_EQ(index[at], walk.end->index) << "round " << round;
+      const float d = OwnDistance(vector, rowOf<T>(*book, index[at]), weights.data(), width);
+      ASSERT_EQ(distance[at], reported<T>(static_cast<double>(d), 0));
+      ASSERT_LE(d, OwnDistance(vector, centroid<T>(walk.leaf), weights.data(), width) * 1.0001F);
+      walked += walk.end != walk.leaf;
+    }
+  }
+  EXPECT_GT(walked, 50);
+}
+
 // --- lists of one vector
 
 TYPED_TEST(VectorQuantisation, SortsRowsByDistance) {
@@ -176,7 +286,7 @@ TYPED_TEST(VectorQuantisation, SortsRowsByDistance) {
     const auto rows = this->numbers(size * width, 6);
     const auto weights = this->weights(width, round % 3 == 0);
     // The method does not matter: rows are read from the object in their order.
-    const auto book = buildBook(rows, weights, size, CDBK_DIRECT);
+    const auto book = buildBook(rows, weights, size, round % 5 ? CDBK_DIRECT : CDBK_SPLIT_SPREAD);
     const auto x = this->numbers(width, 8);
     const int held = book->size, wanted = std::min(count, held);
     std::vector<double> distances;
@@ -233,6 +343,25 @@ TYPED_TEST(VectorQuantisation, ListsRowsWithinAFactor) {
     // squared.
     EXPECT_EQ(list(1.2F, -2).second, std::vector<std::int32_t>{});
     EXPECT_EQ(list(1.2F, 4).second, (std::vector<std::int32_t>{1, 5, 2, 4, 6}));
+  }
+}
+
+TYPED_TEST(VectorQuantisation, ListsAroundTheAnswerOfTheTree) {
+  using T = TypeParam;
+  for (int round = 0; round < 30; ++round) {
+    const int width = this->pick(2, 8);
+    const auto weights = this->weights(width, false);
+    const auto book = buildBook(this->numbers(100 * width, 300), weights, 40, CDBK_SPLIT_SPREAD);
+    const auto x = this->numbers(width, 300);
+    std::int32_t reference = -1, count = 0;
+    std::vector<std::int32_t> index(40);
+    vq(x.data(), width, &reference, 1, book.get());
+    ASSERT_EQ(vqThresh(x.data(), index.data(), book.get(), &count, 1.0F), orvStsNoErr);
+    const auto distance = [&](int r) { return OwnDistanceE(x.data(), rowOf<T>(*book, r), width); };
+    int within = 0;
+    for (int r = 0; r < book->size; ++r) within += distance(r) <= distance(reference);
+    ASSERT_EQ(count, within);
+    ASSERT_EQ(index[static_cast<std::size_t>(count - 1)], reference);
   }
 }
 

@@ -1,0 +1,169 @@
+// Codebooks, their searches, and time warping.
+
+#include "orvsr/vq.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+
+#include "bench/data.h"
+#include "bench/openblas.h"
+#include "bench/ratio.h"
+
+#if ORV_BENCH_FAISS
+#include <faiss/IndexFlat.h>
+
+extern "C" void omp_set_num_threads(int);
+#endif
+
+namespace orv::bench {
+namespace {
+
+using Book32f = std::unique_ptr<CdbkState, Releaser<orvsCdbkFree_32f>>;
+using Book16s = std::unique_ptr<CdbkState, Releaser<orvsCdbkFree_16s>>;
+
+// --- all rows
+
+// Vectors without any relation to the rows: the least helpful ones.
+template <class T>
+struct Search {
+  static constexpr std::int32_t height = 10000, size = 1024, width = 39;
+  Array<T> x, rows;
+  Array<std::int32_t> index = Array<std::int32_t>(height);
+  std::conditional_t<std::is_same_v<T, float>, Book32f, Book16s> book;
+
+  Search() {
+    const double scale = std::is_same_v<T, float> ? 1.0 : 1000.0;
+    x = uniform<T>(std::size_t{height} * width, -2.0 * scale, 2.0 * scale, 1);
+    rows = uniform<T>(std::size_t{size} * width, -2.0 * scale, 2.0 * scale, 2);
+    CdbkState *state = nullptr;
+    if constexpr (std::is_same_v<T, float>)
+      orvsCdbkInitAlloc_L2_32f(&state, rows.data(), width, width, size, size, CDBK_DIRECT);
+    else
+      orvsCdbkInitAlloc_L2_16s(&state, rows.data(), width, width, size, size, CDBK_DIRECT);
+    book.reset(state);
+  }
+};
+
+template <class T, class Work>
+auto search(Work work) {
+  return [work] { return [work, in = std::make_shared<Search<T>>()] { work(*in); }; };
+}
+
+template <class T>
+[[gnu::noinline]] void plainSearch(Search<T> &in) {
+  for (std::int32_t i = 0; i < in.height; ++i) {
+    const T *x = &in.x[static_cast<std::size_t>(i * in.width)];
+    float best = FLT_MAX;
+    for (std::int32_t r = 0; r < in.size; ++r) {
+      const T *row = &in.rows[static_cast<std::size_t>(r * in.width)];
+      float sum = 0;
+      for (std::int32_t k = 0; k < in.width; ++k) {
+        const auto d = static_cast<float>(x[k] - row[k]);
+        sum += d * d;
+      }
+      if (double{best} > double{sum} * 1.000001) {
+        best = sum;
+        in.index[static_cast<std::size_t>(i)] = r;
+      }
+    }
+  }
+}
+
+void addScans() {
+  Case single("vq/VQ_32f/1024x39");
+  single
+      .ours(search<float>([](Search<float> &in) {
+        orvsVQ_32f(in.x.data(), in.width, in.index.data(), in.height, in.book.get());
+      }))
+      .peer("plain scalar", 4.0, search<float>(plainSearch<float>));
+#if ORV_BENCH_FAISS
+  single.peer("faiss IndexFlatL2", 1.0, [] {
+#if ORV_BENCH_OPENBLAS
+    useKernels(kNativeKernels);
+#endif
+    omp_set_num_threads(1);
+    struct Index {
+      Search<float> in;
+      faiss::IndexFlatL2 index{Search<float>::width};
+      Array<float> distances = Array<float>(Search<float>::height);
+      Array<std::int64_t> labels = Array<std::int64_t>(Search<float>::height);
+    };
+    auto peer = std::make_shared<Index>();
+    peer->index.add(Search<float>::size, peer->in.rows.data());
+    return [peer] {
+      peer->index.search(Search<float>::height, peer->in.x.data(), 1, peer->distances.data(),
+                         peer->labels.data());
+    };
+  });
+#else
+  single.absentPeer("faiss IndexFlatL2");
+#endif
+  Case("vq/VQ_16s/1024x39")
+      .ours(search<std::int16_t>([](Search<std::int16_t> &in) {
+        orvsVQ_16s(in.x.data(), in.width, in.index.data(), in.height, in.book.get());
+      }))
+      .peer("plain scalar", 4.0, search<std::int16_t>(plainSearch<std::int16_t>));
+}
+
+// --- time warping
+
+struct Sequences {
+  static constexpr std::int32_t len = 200, width = 39;
+  Array<float> a = uniform<float>(std::size_t{len} * width, -2.0, 2.0, 1);
+  Array<float> b = uniform<float>(std::size_t{len} * width, -2.0, 2.0, 2);
+  Array<float> cost = Array<float>(len), next = Array<float>(len);
+  float distance = 0;
+};
+
+template <class Work>
+auto sequences(Work work) {
+  return [work] { return [work, in = Sequences()]() mutable { work(in); }; };
+}
+
+[[gnu::noinline]] void plainWarp(Sequences &in) {
+  const auto distance = [&](std::int32_t j, std::int32_t i) {
+    double sum = 0;
+    for (std::int32_t k = 0; k < in.width; ++k) {
+      const float d =
+          in.a[static_cast<std::size_t>(j * in.width + k)] - in.b[static_cast<std::size_t>(i * in.width + k)];
+      const float square = d * d;
+      sum += static_cast<double>(square);
+    }
+    return static_cast<float>(std::sqrt(sum));
+  };
+  for (std::int32_t i = 0; i < in.len; ++i) in.cost[static_cast<std::size_t>(i)] = distance(0, i);
+  for (std::int32_t j = 1; j < in.len; ++j) {
+    for (std::int32_t i = 0; i < in.len; ++i) {
+      float best = in.cost[static_cast<std::size_t>(i)];
+      if (i >= 1) best = std::min(best, in.cost[static_cast<std::size_t>(i - 1)]);
+      if (i >= 2) best = std::min(best, in.cost[static_cast<std::size_t>(i - 2)]);
+      in.next[static_cast<std::size_t>(i)] = best + distance(j, i);
+    }
+    std::swap(in.cost, in.next);
+  }
+  in.distance = *std::min_element(in.cost.begin(), in.cost.end());
+}
+
+void addWarp() {
+  Case("vq/DTW_L2_32f_D2/200x200x39")
+      .ours(sequences([](Sequences &in) {
+        orvsDTW_L2_32f_D2(in.a.data(), in.len, in.b.data(), in.len, in.width, in.width, &in.distance, -1,
+                          FLT_MAX);
+      }))
+      .peer("plain scalar", 2.5, sequences(plainWarp));
+}
+
+}  // namespace
+
+void addVqCases() {
+  addScans();
+  addWarp();
+}
+
+}  // namespace orv::bench
