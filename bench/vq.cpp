@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -111,6 +112,70 @@ void addScans() {
       .peer("plain scalar", 4.0, search<std::int16_t>(plainSearch<std::int16_t>));
 }
 
+// --- the tree
+
+// Vectors round 600 centres, a tree of 256 rows grown from a part of them, and the same rows to be scanned.
+struct Tree {
+  static constexpr std::int32_t height = 10000, grownFrom = 4000, size = 256, width = 13;
+  Array<float> x = uniform<float>(std::size_t{height} * width, -0.7, 0.7, 1);
+  Array<float> distance = Array<float>(height);
+  Array<std::int32_t> index = Array<std::int32_t>(height);
+  Book32f tree, direct;
+
+  Tree() {
+    constexpr std::size_t centres = 600;
+    const auto centre = uniform<float>(centres * width, -2.0, 2.0, 2);
+    for (std::size_t i = 0; i < x.size(); ++i) x[i] += centre[i % (centres * width)];
+    CdbkState *state = nullptr;
+    orvsCdbkInitAlloc_L2_32f(&state, x.data(), width, width, grownFrom, size, CDBK_SPLIT_SPREAD);
+    tree.reset(state);
+    Array<float> rows(std::size_t{size} * width);
+    orvsGetCodebook_32f(tree.get(), rows.data(), width);
+    orvsCdbkInitAlloc_L2_32f(&state, rows.data(), width, width, size, size, CDBK_DIRECT);
+    direct.reset(state);
+  }
+  double meanDistance(const Book32f &book) {
+    orvsVQDist_32f(x.data(), width, index.data(), distance.data(), height, book.get());
+    double sum = 0;
+    for (const float d : distance) sum += static_cast<double>(d);
+    return sum / height;
+  }
+
+  // Grown once; what the tree costs in accuracy is written then.
+  static Tree &once() {
+    static Tree tree;
+    static const double loss = [] {
+      const double exact = tree.meanDistance(tree.direct), found = tree.meanDistance(tree.tree);
+      std::printf("vq/tree: distances are %.2f %% longer than to the nearest rows\n",
+                  100 * (found / exact - 1));
+      return found;
+    }();
+    static_cast<void>(loss);
+    return tree;
+  }
+};
+
+void addTree() {
+  const auto searching = [](Book32f Tree::*book) {
+    return [book] {
+      return [book, &in = Tree::once()] {
+        orvsVQ_32f(in.x.data(), in.width, in.index.data(), in.height, (in.*book).get());
+      };
+    };
+  };
+  const auto oneByOne = [] {
+    return [&in = Tree::once()] {
+      for (std::int32_t i = 0; i < in.height; ++i)
+        orvsVQ_32f(&in.x[static_cast<std::size_t>(i * in.width)], in.width,
+                   &in.index[static_cast<std::size_t>(i)], 1, in.direct.get());
+    };
+  };
+  Case("vq/VQ_32f of a tree/256x13")
+      .ours(searching(&Tree::tree))
+      .peer("scan, vector by vector", 0.0, oneByOne)
+      .peer("scan, all vectors", 0.0, searching(&Tree::direct));
+}
+
 // --- time warping
 
 struct Sequences {
@@ -163,6 +228,7 @@ void addWarp() {
 
 void addVqCases() {
   addScans();
+  addTree();
   addWarp();
 }
 

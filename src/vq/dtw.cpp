@@ -15,7 +15,7 @@
 
 using namespace orv;
 using simd::f32x4;
-using simd::f64x2;
+using simd::f64x4;
 
 namespace {
 
@@ -24,29 +24,58 @@ namespace {
 constexpr std::int64_t kStackElements = 512;
 constexpr std::int64_t kStackTableBytes = 2048;
 
-// The root of the summed squares: differences and squares in single, sum and root in double, rounded once.
-float rootOfSum(f64x2 low, f64x2 high, double rest) {
-  return static_cast<float>(std::sqrt(simd::sumLanes(low + high) + rest));
-}
+// Distances: differences and squares in single precision, their sum and its root in double, rounded once.
+// Elements that fill no lanes at the end are taken together with those before them, whose squares are masked
+// out.
+struct LastLanes {
+  explicit LastLanes(std::int32_t width)
+      : start(width - 4), mask(simd::pack4(0, 1, 2, 3) >= simd::splat4(static_cast<float>(4 - width % 4))) {}
+  std::int32_t start;
+  f32x4 mask;
+};
 
-double squaredDifference(const float *a, const float *b) {
-  const float difference = load(a) - load(b);
-  const float square = difference * difference;
-  return square;
+f64x4 squares(f32x4 a, const float *b) {
+  const f32x4 difference = a - simd::load4(b);
+  return simd::widen(difference * difference);
+}
+f64x4 squares(f32x4 a, const float *b, f32x4 mask) {
+  const f32x4 difference = a - simd::load4(b);
+  return simd::widen(mask & (difference * difference));
 }
 
 float localDistance(const float *a, const float *b, std::int32_t width) {
-  f64x2 low{}, high{};
-  std::int32_t k = 0;
-  for (; width - k >= 4; k += 4) {
-    const f32x4 difference = simd::load4(a + k) - simd::load4(b + k);
-    const f32x4 square = difference * difference;
-    low = low + simd::widenLow(square);
-    high = high + simd::widenHigh(square);
+  double sum = 0;
+  if (width < 4) {
+    for (std::int32_t k = 0; k < width; ++k) {
+      const float difference = load(a + k) - load(b + k);
+      const float square = difference * difference;
+      sum += static_cast<double>(square);
+    }
+  } else {
+    f64x4 lanes{};
+    for (std::int32_t k = 0; width - k >= 4; k += 4) lanes = lanes + squares(simd::load4(a + k), b + k);
+    if (const LastLanes last(width); width % 4 != 0)
+      lanes = lanes + squares(simd::load4(a + last.start), b + last.start, last.mask);
+    sum = simd::sumLanes(lanes);
   }
-  double rest = 0;
-  for (; k < width; ++k) rest += squaredDifference(a + k, b + k);
-  return rootOfSum(low, high, rest);
+  return static_cast<float>(std::sqrt(sum));
+}
+
+// Of one frame, of 4 elements or more, to four others; the same to the last bit. What is loaded of the one
+// frame serves all four, and roots are taken two at a time.
+void localDistances(const float *a, const float *const *b, std::int32_t width, float *distances) {
+  f64x4 lanes[4] = {};
+  for (std::int32_t k = 0; width - k >= 4; k += 4) {
+    const f32x4 from = simd::load4(a + k);
+    for (int r = 0; r < 4; ++r) lanes[r] = lanes[r] + squares(from, b[r] + k);
+  }
+  if (const LastLanes last(width); width % 4 != 0) {
+    const f32x4 from = simd::load4(a + last.start);
+    for (int r = 0; r < 4; ++r) lanes[r] = lanes[r] + squares(from, b[r] + last.start, last.mask);
+  }
+  const f64x4 sums = simd::sumLanesOfFour(lanes[0].low + lanes[0].high, lanes[1].low + lanes[1].high,
+                                          lanes[2].low + lanes[2].high, lanes[3].low + lanes[3].high);
+  simd::store4(distances, simd::narrow(simd::sqrt(sums.low), simd::sqrt(sums.high)));
 }
 
 // Which frames of the short sequence, of shortLen, may meet frame j of the long one, of longLen: a
@@ -96,7 +125,7 @@ class Warp {
       store(upper_ + j, band.upper(j));
       store(lower_ + j, band.lower(j));
     }
-    for (std::int32_t i = 0; i <= d; ++i) cost_[i] = distance(0, i);
+    formDistances(0, 0, d + 1, cost_);
     // A single column is not reduced to a result; callers know this value as "no path".
     if (longer_.len == 1) return FLT_MAX;
     beam += 1.1920929e-7F;
@@ -106,7 +135,7 @@ class Warp {
     for (std::int32_t j = 1; j < longer_.len; ++j) {
       const std::int32_t room = load(upper_ + j) - i0 + 1;
       const std::int32_t next = room < n + 2 ? room : n + 2;
-      for (std::int32_t i = i0; i < i0 + next; ++i) local_[i] = distance(j, i);
+      formDistances(j, i0, i0 + next, local_);
       step(i0, n, next);
       n = next;
       if (const std::int32_t lowest = load(lower_ + j); i0 < lowest) {
@@ -126,8 +155,10 @@ class Warp {
   }
 
  private:
-  float distance(std::int32_t j, std::int32_t i) const {
-    return localDistance(longer_.rows[j], shorter_.rows[i], width_);
+  void formDistances(std::int32_t j, std::int32_t i, std::int32_t end, float *distances) const {
+    for (; width_ >= 4 && end - i >= 4; i += 4)
+      localDistances(longer_.rows[j], shorter_.rows + i, width_, distances + i);
+    for (; i < end; ++i) distances[i] = localDistance(longer_.rows[j], shorter_.rows[i], width_);
   }
 
   // cost'(i) = local(i) + min(cost(i), cost(i - 1), cost(i - 2)), for `next` rows from i0. Where a place has

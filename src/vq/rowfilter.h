@@ -14,7 +14,6 @@
 #define ORV_VQ_ROWFILTER_H
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -69,8 +68,8 @@ class RowFilter {
   }
 
  private:
-  static constexpr std::int32_t kMaxVectors = 128;
-  static constexpr std::int32_t kVectorElements = 8192;
+  static constexpr std::int32_t kMaxVectors = 256;
+  static constexpr std::int32_t kVectorElements = 10240;
   static constexpr std::int32_t kRowElements = 10240;
   static constexpr std::int32_t kGroup = 16;  // rows that are decided together
 
@@ -172,13 +171,8 @@ class RowFilter {
       const simd::i32x4 bound = simd::splat4(bounds_[i]);
       const simd::i32x4 above[4] = {sums[0] > bound, sums[1] > bound, sums[2] > bound, sums[3] > bound};
       if (simd::signs((above[0] | above[1]) | (above[2] | above[3])) == 0) continue;
-      auto lanes = static_cast<unsigned>(simd::signs(above[0]) | simd::signs(above[1]) << 4 |
-                                         simd::signs(above[2]) << 8 | simd::signs(above[3]) << 12);
-      for (; lanes != 0; lanes &= lanes - 1) {
-        const std::int32_t row = packedFirst_ + r + std::countr_zero(lanes);
-        if (row >= rows_.size) break;
-        nearest.offer(distanceTo(x, rows_.row(row), rows_.weights, rows_.width), row);
-      }
+      for (std::int32_t g = 0; g < 4; ++g)
+        if (simd::signs(above[g]) != 0) offerFour(rows_, packedFirst_ + r + 4 * g, x, nearest);
       bounds_[i] = boundOf(i, nearest.distance);
     }
   }

@@ -8,29 +8,10 @@
 
 namespace orv::cdbk {
 
-namespace {
-
-// Rows i to i + 3; the last row stands in for those behind it.
-template <class T>
-void fourRows(const CodeRows<T> &rows, std::int32_t i, const T *(&four)[4]) {
-  for (std::int32_t r = 0; r < 4; ++r) four[r] = rows.row(std::min(i + r, rows.size - 1));
-}
-
-}  // namespace
-
 template <class T>
 Nearest scan(const CodeRows<T> &rows, const T *x) {
   Nearest nearest;
-  for (std::int32_t i = 0; i < rows.size; i += 4) {
-    const T *four[4];
-    fourRows(rows, i, four);
-    const simd::f32x4 distances = distancesToFour(x, four, rows.weights, rows.width);
-    if (simd::signs(distances < simd::splat4(nearest.distance)) == 0) continue;  // none of them takes over
-    float each[4];
-    simd::store4(each, distances);
-    // A row that stands in for others is equal to itself and does not take over.
-    for (std::int32_t r = 0; r < 4; ++r) nearest.offer(each[r], std::min(i + r, rows.size - 1));
-  }
+  for (std::int32_t i = 0; i < rows.size; i += 4) offerFour(rows, i, x, nearest);
   return nearest;
 }
 
@@ -48,7 +29,7 @@ template <class T>
 void distancesToAll(const CodeRows<T> &rows, const T *x, float *distances) {
   for (std::int32_t i = 0; i < rows.size; i += 4) {
     const T *four[4];
-    fourRows(rows, i, four);
+    rows.four(i, four);
     float each[4];
     simd::store4(each, distancesToFour(x, four, rows.weights, rows.width));
     for (std::int32_t r = 0; r < 4 && i + r < rows.size; ++r) store(distances + i + r, each[r]);

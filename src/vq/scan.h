@@ -7,11 +7,13 @@
 #ifndef ORV_VQ_SCAN_H
 #define ORV_VQ_SCAN_H
 
+#include <algorithm>
 #include <cfloat>
 #include <cstddef>
 #include <cstdint>
 
 #include "vq/codebook.h"
+#include "vq/distance.h"
 
 namespace orv::cdbk {
 
@@ -25,6 +27,10 @@ struct CodeRows {
         weights(isWeighted(cdbk) ? weightsOf<T>(cdbk) : nullptr) {}
 
   const T *row(std::int32_t i) const { return data + static_cast<std::ptrdiff_t>(i) * stride; }
+  // Rows i to i + 3; the last row stands in for those behind it.
+  void four(std::int32_t i, const T *(&rows)[4]) const {
+    for (std::int32_t r = 0; r < 4; ++r) rows[r] = row(std::min(i + r, size - 1));
+  }
 
   const T *data;
   std::int32_t stride, size, width;
@@ -42,6 +48,18 @@ struct Nearest {
     }
   }
 };
+
+// Rows i to i + 3. A row that stands in for others is equal to itself and does not take over.
+template <class T>
+inline void offerFour(const CodeRows<T> &rows, std::int32_t i, const T *x, Nearest &nearest) {
+  const T *four[4];
+  rows.four(i, four);
+  const simd::f32x4 distances = distancesToFour(x, four, rows.weights, rows.width);
+  if (simd::signs(distances < simd::splat4(nearest.distance)) == 0) return;
+  float each[4];
+  simd::store4(each, distances);
+  for (std::int32_t r = 0; r < 4; ++r) nearest.offer(each[r], std::min(i + r, rows.size - 1));
+}
 
 // Of one vector.
 template <class T>
