@@ -7,14 +7,14 @@
 #include <memory>
 #include <type_traits>
 
-#include "orvsr/vq.h"
+#include "api.h"
 #include "support/arrays.h"
 
 namespace orv::test {
 
 struct FreeBook {
-  bool is16s;
-  void operator()(CdbkState *book) const { is16s ? orvsCdbkFree_16s(book) : orvsCdbkFree_32f(book); }
+  OrvStatus (*release)(CdbkState *);
+  void operator()(CdbkState *book) const { release(book); }
 };
 using Book = std::unique_ptr<CdbkState, FreeBook>;
 
@@ -22,16 +22,8 @@ template <class T>
 Book buildBook(const std::vector<T> &rows, const std::vector<T> &weights, int size, int method) {
   CdbkState *book = nullptr;
   const int width = static_cast<int>(weights.size()), height = static_cast<int>(rows.size()) / width;
-  OrvStatus status;
-  if constexpr (std::is_same_v<T, float>) {
-    status =
-        orvsCdbkInitAlloc_WgtL2_32f(&book, rows.data(), weights.data(), width, width, height, size, method);
-  } else {
-    status =
-        orvsCdbkInitAlloc_WgtL2_16s(&book, rows.data(), weights.data(), width, width, height, size, method);
-  }
-  EXPECT_GE(status, 0);
-  return Book(book, {!std::is_same_v<T, float>});
+  EXPECT_GE(Api<T>::buildWeighted(&book, rows.data(), weights.data(), width, width, height, size, method), 0);
+  return Book(book, {Api<T>::release});
 }
 
 // A codebook in memory of its own, of any method but those of trees, without fields.
@@ -41,15 +33,9 @@ class PlainBook {
   PlainBook(const std::vector<T> &rows, int width, int method = CDBK_DIRECT) {
     const int height = static_cast<int>(rows.size()) / width;
     std::int32_t bytes = 0;
-    if constexpr (std::is_same_v<T, float>) {
-      orvsCdbkGetSize_32f(width, width, height, height, method, &bytes);
-      memory_.resize(static_cast<std::size_t>(bytes) / 8 + 1);
-      EXPECT_EQ(orvsCdbkInit_L2_32f(get(), rows.data(), width, width, height, height, method), orvStsNoErr);
-    } else {
-      orvsCdbkGetSize_16s(width, width, height, height, method, &bytes);
-      memory_.resize(static_cast<std::size_t>(bytes) / 8 + 1);
-      EXPECT_EQ(orvsCdbkInit_L2_16s(get(), rows.data(), width, width, height, height, method), orvStsNoErr);
-    }
+    Api<T>::getSize(width, width, height, height, method, &bytes);
+    memory_.resize(static_cast<std::size_t>(bytes) / 8 + 1);
+    EXPECT_EQ(Api<T>::init(get(), rows.data(), width, width, height, height, method), orvStsNoErr);
   }
   CdbkState *get() { return reinterpret_cast<CdbkState *>(memory_.data()); }
 
@@ -57,16 +43,23 @@ class PlainBook {
   std::vector<std::uint64_t> memory_;
 };
 
-// --- the functions of both types
+// --- the searches of both types
+
+template <class T>
+constexpr auto vqOf = orvsVQ_32f;
+template <>
+constexpr auto vqOf<std::int16_t> = orvsVQ_16s;
+template <class T>
+constexpr auto vqSortOf = orvsVQSingle_Sort_32f;
+template <>
+constexpr auto vqSortOf<std::int16_t> = orvsVQSingle_Sort_16s;
+template <class T>
+constexpr auto vqThreshOf = orvsVQSingle_Thresh_32f;
+template <>
+constexpr auto vqThreshOf<std::int16_t> = orvsVQSingle_Thresh_16s;
 
 using Distance16s = std::int32_t;
 
-inline OrvStatus vq(const float *x, int step, std::int32_t *index, int height, const CdbkState *book) {
-  return orvsVQ_32f(x, step, index, height, book);
-}
-inline OrvStatus vq(const std::int16_t *x, int step, std::int32_t *index, int height, const CdbkState *book) {
-  return orvsVQ_16s(x, step, index, height, book);
-}
 inline OrvStatus vqDist(const float *x, int step, std::int32_t *index, float *distance, int height,
                         const CdbkState *book, int) {
   return orvsVQDist_32f(x, step, index, distance, height, book);
@@ -75,12 +68,6 @@ inline OrvStatus vqDist(const std::int16_t *x, int step, std::int32_t *index, Di
                         int height, const CdbkState *book, int scale) {
   return orvsVQDist_16s32s_Sfs(x, step, index, distance, height, book, scale);
 }
-inline OrvStatus vqSort(const float *x, std::int32_t *index, CdbkState *book, int count) {
-  return orvsVQSingle_Sort_32f(x, index, book, count);
-}
-inline OrvStatus vqSort(const std::int16_t *x, std::int32_t *index, CdbkState *book, int count) {
-  return orvsVQSingle_Sort_16s(x, index, book, count);
-}
 inline OrvStatus vqDistSort(const float *x, std::int32_t *index, float *distance, CdbkState *book, int count,
                             int) {
   return orvsVQDistSingle_Sort_32f(x, index, distance, book, count);
@@ -88,14 +75,6 @@ inline OrvStatus vqDistSort(const float *x, std::int32_t *index, float *distance
 inline OrvStatus vqDistSort(const std::int16_t *x, std::int32_t *index, Distance16s *distance,
                             CdbkState *book, int count, int scale) {
   return orvsVQDistSingle_Sort_16s32s_Sfs(x, index, distance, book, count, scale);
-}
-inline OrvStatus vqThresh(const float *x, std::int32_t *index, CdbkState *book, std::int32_t *count,
-                          float t) {
-  return orvsVQSingle_Thresh_32f(x, index, book, count, t);
-}
-inline OrvStatus vqThresh(const std::int16_t *x, std::int32_t *index, CdbkState *book, std::int32_t *count,
-                          float t) {
-  return orvsVQSingle_Thresh_16s(x, index, book, count, t);
 }
 inline OrvStatus vqDistThresh(const float *x, std::int32_t *index, float *distance, CdbkState *book,
                               std::int32_t *count, int, float t) {

@@ -29,8 +29,7 @@ class VectorQuantisation : public ::testing::Test {
   }
   Random random{11};
 };
-using Types = ::testing::Types<float, std::int16_t>;
-TYPED_TEST_SUITE(VectorQuantisation, Types);
+TYPED_TEST_SUITE(VectorQuantisation, Elements);
 
 struct Found {
   double distance = 3.4028235e38;
@@ -63,7 +62,7 @@ TYPED_TEST(VectorQuantisation, ScansAllRowsInOrder) {
     const auto h = static_cast<std::size_t>(height), offset = static_cast<std::size_t>(round % 3);
     Guarded<std::int32_t> index(h, offset), sameIndex(h);
     Guarded<DistanceOf<T>> distance(h, offset);
-    ASSERT_EQ(vq(x.data(), step, index.data(), height, book.get()), orvStsNoErr);
+    ASSERT_EQ(vqOf<T>(x.data(), step, index.data(), height, book.get()), orvStsNoErr);
     ASSERT_EQ(vqDist(x.data(), step, sameIndex.data(), distance.data(), height, book.get(), round % 5 - 2),
               orvStsNoErr);
     ASSERT_EQ(index.values(), sameIndex.values());
@@ -138,7 +137,7 @@ TYPED_TEST(VectorQuantisation, FindsInFieldsWhatAScanFinds) {
       fields += (book->flags & kFieldInUse) != 0;
       const auto x = this->numbers(400 * width, 2900);
       std::vector<std::int32_t> index(400);
-      ASSERT_EQ(vq(x.data(), width, index.data(), 400, book.get()), orvStsNoErr);
+      ASSERT_EQ(vqOf<T>(x.data(), width, index.data(), 400, book.get()), orvStsNoErr);
       for (int i = 0; i < 400; ++i) {
         const T *vector = x.data() + i * width;
         const T *found = rows.data() + index[static_cast<std::size_t>(i)] * width;
@@ -174,7 +173,7 @@ TYPED_TEST(VectorQuantisation, LooksIntoTheCellOfAField) {
   book.pField = &line;
   const std::vector<T> x{-100, 19, 20, 29, 30, 59, 60, 99, 30000};
   std::vector<std::int32_t> index(9);
-  EXPECT_EQ(vq(x.data(), 1, index.data(), 9, &book), orvStsNoErr);
+  EXPECT_EQ(vqOf<T>(x.data(), 1, index.data(), 9, &book), orvStsNoErr);
   EXPECT_EQ(index, (std::vector<std::int32_t>{0, 0, 1, 1, 2, 4, 5, 5, 5}));
 
   // Three columns of 10 from 0, one row of 20 below 40: lines of five cells, the second one is the interior.
@@ -300,7 +299,7 @@ TYPED_TEST(VectorQuantisation, SortsRowsByDistance) {
     order.resize(static_cast<std::size_t>(wanted));
     Guarded<std::int32_t> index(order.size(), 1), indexWithDistance(order.size());
     Guarded<DistanceOf<T>> distance(order.size(), static_cast<std::size_t>(round % 4));
-    ASSERT_EQ(vqSort(x.data(), index.data(), book.get(), wanted), orvStsNoErr);
+    ASSERT_EQ(vqSortOf<T>(x.data(), index.data(), book.get(), wanted), orvStsNoErr);
     ASSERT_EQ(vqDistSort(x.data(), indexWithDistance.data(), distance.data(), book.get(), wanted, -3),
               orvStsNoErr);
     ASSERT_EQ(index.values(), order);
@@ -319,7 +318,7 @@ TYPED_TEST(VectorQuantisation, ListsRowsWithinAFactor) {
     Guarded<std::int32_t> index(7), indexWithDistance(7);
     Guarded<DistanceOf<T>> distance(7);
     std::int32_t count = -1, countWithDistance = -1;
-    EXPECT_EQ(vqThresh(&x, index.data(), book.get(), &count, threshold), orvStsNoErr);
+    EXPECT_EQ(vqThreshOf<T>(&x, index.data(), book.get(), &count, threshold), orvStsNoErr);
     EXPECT_EQ(vqDistThresh(&x, indexWithDistance.data(), distance.data(), book.get(), &countWithDistance,
                            scale, threshold),
               orvStsNoErr);
@@ -355,8 +354,8 @@ TYPED_TEST(VectorQuantisation, ListsAroundTheAnswerOfTheTree) {
     const auto x = this->numbers(width, 300);
     std::int32_t reference = -1, count = 0;
     std::vector<std::int32_t> index(40);
-    vq(x.data(), width, &reference, 1, book.get());
-    ASSERT_EQ(vqThresh(x.data(), index.data(), book.get(), &count, 1.0F), orvStsNoErr);
+    vqOf<T>(x.data(), width, &reference, 1, book.get());
+    ASSERT_EQ(vqThreshOf<T>(x.data(), index.data(), book.get(), &count, 1.0F), orvStsNoErr);
     const auto distance = [&](int r) { return OwnDistanceE(x.data(), rowOf<T>(*book, r), width); };
     int within = 0;
     for (int r = 0; r < book->size; ++r) within += distance(r) <= distance(reference);
@@ -375,26 +374,26 @@ TYPED_TEST(VectorQuantisation, ChecksArgumentsInOrder) {
   Guarded<DistanceOf<T>> distance(4);
   std::int32_t *const i = index.data(), *const n = count.data();
   auto *const d = distance.data();
-  EXPECT_EQ(vq(static_cast<const T *>(nullptr), 0, i, 0, book), orvStsNullPtrErr);
-  EXPECT_EQ(vq(x, 0, nullptr, 0, book), orvStsNullPtrErr);
-  EXPECT_EQ(vq(x, 0, i, 0, nullptr), orvStsNullPtrErr);
+  EXPECT_EQ(vqOf<T>(nullptr, 0, i, 0, book), orvStsNullPtrErr);
+  EXPECT_EQ(vqOf<T>(x, 0, nullptr, 0, book), orvStsNullPtrErr);
+  EXPECT_EQ(vqOf<T>(x, 0, i, 0, nullptr), orvStsNullPtrErr);
   EXPECT_EQ(vqDist(x, 0, i, nullptr, 0, book, 0), orvStsNullPtrErr);
   for (const auto &[step, height] : {std::pair{0, 1}, {2, 1}, {3, 0}}) {
-    EXPECT_EQ(vq(x, step, i, height, book), orvStsSizeErr);
+    EXPECT_EQ(vqOf<T>(x, step, i, height, book), orvStsSizeErr);
     EXPECT_EQ(vqDist(x, step, i, d, height, book, 0), orvStsSizeErr);
   }
-  EXPECT_EQ(vqSort(x, i, nullptr, 0), orvStsNullPtrErr);
+  EXPECT_EQ(vqSortOf<T>(x, i, nullptr, 0), orvStsNullPtrErr);
   EXPECT_EQ(vqDistSort(x, i, nullptr, book, 0, 0), orvStsNullPtrErr);
   for (const int wanted : {0, 5}) {
-    EXPECT_EQ(vqSort(x, i, book, wanted), orvStsSizeErr);
+    EXPECT_EQ(vqSortOf<T>(x, i, book, wanted), orvStsSizeErr);
     EXPECT_EQ(vqDistSort(x, i, d, book, wanted, 0), orvStsSizeErr);
   }
-  EXPECT_EQ(vqThresh(x, i, book, nullptr, 0.5F), orvStsNullPtrErr);
+  EXPECT_EQ(vqThreshOf<T>(x, i, book, nullptr, 0.5F), orvStsNullPtrErr);
   EXPECT_EQ(vqDistThresh(x, i, nullptr, book, n, 0, 0.5F), orvStsNullPtrErr);
-  EXPECT_EQ(vqThresh(x, i, book, n, 0.999F), orvStsBadArgErr);
+  EXPECT_EQ(vqThreshOf<T>(x, i, book, n, 0.999F), orvStsBadArgErr);
   EXPECT_EQ(vqDistThresh(x, i, d, book, n, 0, 0.999F), orvStsBadArgErr);
   // A method without a search is passed over.
-  EXPECT_EQ(vq(x, 3, i, 2, unknown.get()), orvStsNoErr);
+  EXPECT_EQ(vqOf<T>(x, 3, i, 2, unknown.get()), orvStsNoErr);
   EXPECT_TRUE(index.untouched() && count.untouched() && distance.untouched());
 }
 
