@@ -16,6 +16,7 @@ void addMatrixCases();
 void addRobustCases();
 void addTrainCases();
 void addVqCases();
+void addVqTrainingCases();
 void addHostCases();
 }  // namespace orv::bench
 
@@ -40,6 +41,7 @@ int main(int argc, char **argv) {
   orv::bench::addRobustCases();
   orv::bench::addTrainCases();
   orv::bench::addVqCases();
+  orv::bench::addVqTrainingCases();
 #if ORV_BENCH_HOSTS
   orv::bench::addHostCases();
 #endif

@@ -38,19 +38,39 @@ inline simd::f32x8 operator<(simd::f32x8 a, simd::f32x8 b) { return {a.low < b.l
 inline simd::f32x8 operator==(simd::f32x8 a, simd::f32x8 b) { return {a.low == b.low, a.high == b.high}; }
 inline int signs(simd::f32x8 a) { return simd::signs(a.low) | simd::signs(a.high) << 4; }
 
+template <bool weighted>
+inline simd::f32x8 term(const float *elements, const float *v, const float *w, std::int32_t k) {
+  const simd::f32x8 d = load8(elements) - splat8(v[k]);
+  if constexpr (weighted) {
+    return d * d * w[k];
+  } else {
+    return d * d;
+  }
+}
+
 // Distances of a vector to the eight of a block, each summed element by element.
 template <bool weighted>
 inline simd::f32x8 distances(const float *block, const float *v, const float *w, std::int32_t width) {
   simd::f32x8 sums = splat8(0.0F);
-  for (std::int32_t k = 0; k < width; ++k, block += kBlock) {
-    const simd::f32x8 d = load8(block) - splat8(v[k]);
-    if constexpr (weighted) {
-      sums = sums + d * d * w[k];
-    } else {
-      sums = sums + d * d;
-    }
-  }
+  for (std::int32_t k = 0; k < width; ++k, block += kBlock) sums = sums + term<weighted>(block, v, w, k);
   return sums;
+}
+
+// The same, but given up where the sums of some of the elements have reached all limits: the distances are
+// not below them either, since a sum only grows. True if they were formed.
+template <bool weighted>
+inline bool distancesWithin(simd::f32x8 limits, const float *block, const float *v, const float *w,
+                            std::int32_t width, simd::f32x8 *formed) {
+  constexpr std::int32_t kStep = 4;
+  std::int32_t k = width < 2 * kStep ? width : width / 2;
+  simd::f32x8 sums = distances<weighted>(block, v, w, k);
+  while (k < width) {
+    if (signs(sums < limits) == 0) return false;
+    const std::int32_t end = width - k < 2 * kStep ? width : k + kStep;
+    for (; k < end; ++k) sums = sums + term<weighted>(block + std::int64_t{k} * kBlock, v, w, k);
+  }
+  *formed = sums;
+  return true;
 }
 
 // One distance, to the same bits.

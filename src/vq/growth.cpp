@@ -395,19 +395,26 @@ class Growth {
       const f32x8 clusters = simd::toSingle(
           simd::i32x8{simd::load4(cluster_.get() + first), simd::load4(cluster_.get() + first + 4)});
       f32x8 own = load8(recorded_.get() + first);
+      const f32x8 bound = load8(others_.get() + first);
       f32x8 best = splat8(kInfinity), second = best, which = best;
       for (std::int32_t c = 0; c < changedCount_; ++c) {
         const std::int32_t j = changed_.get()[c];
         const f32x8 index = splat8(static_cast<float>(j));
-        const f32x8 formed = distances<weighted>(block, centroid(j), weights_.get(), width_);
         const f32x8 isOwn = clusters == index;
+        // What is not below the bound changes neither it nor any decision.
+        const f32x8 limits = select(isOwn, splat8(kInfinity), bound);
+        f32x8 formed{};
+        if (!hasBounds_) {
+          formed = distances<weighted>(block, centroid(j), weights_.get(), width_);
+        } else if (!distancesWithin<weighted>(limits, block, centroid(j), weights_.get(), width_, &formed)) {
+          continue;
+        }
         own = select(isOwn, formed, own);
         const f32x8 d = select(isOwn, splat8(kInfinity), formed);
         which = select(d < best, index, which);
         second = min(second, max(best, d));
         best = min(best, d);
       }
-      const f32x8 bound = load8(others_.get() + first);
       const f32x8 others = min(best, bound);
       store8(recorded_.get() + first, own);
       store8(others_.get() + first, others);

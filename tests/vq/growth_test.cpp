@@ -370,4 +370,43 @@ TYPED_TEST(Growth, FollowsThePlainOneRowByRow) {
   EXPECT_TRUE(lonely > 0 || (std::is_same_v<T, float>));
 }
 
+// Where distances may be infinite, or are no numbers, the same rows still give the same codebook, of whole
+// clusters.
+TYPED_TEST(Growth, GivesTheSameTwiceWhateverTheRows) {
+  using T = TypeParam;
+  Random random(62);
+  int built = 0;
+  for (int round = 0; round < 40; ++round) {
+    std::vector<T> src = wholeNumbers<T>(random, 120, round % 4 < 2 ? 1 : 30000);
+    if constexpr (std::is_same_v<T, float>) {
+      for (int i = 0; i < round % 5; ++i) src[random() % 120] = i % 2 == 0 ? NAN : -INFINITY;
+      for (T &x : src) x *= round % 3 == 0 ? 1e30F : 1.0F;
+    }
+    CdbkState *books[2] = {nullptr, nullptr};
+    OrvStatus statuses[2];
+    for (int i = 0; i < 2; ++i)
+      statuses[i] = Api<T>::build(&books[i], src.data(), 3, 3, 40, 1 + round, 2 + round % 2);
+    EXPECT_EQ(statuses[0], statuses[1]);
+    if (books[0] == nullptr || books[1] == nullptr) continue;
+    ++built;
+    EXPECT_EQ(books[0]->size, books[1]->size);
+    EXPECT_EQ(std::memcmp(books[0]->pData, books[1]->pData,
+                          sizeof(T) * static_cast<std::size_t>(books[0]->stride * (1 + round))),
+              0);
+    int members = 0;
+    std::vector<const CdbkCluster *> nodes = {books[0]->pRoot};
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+      if (nodes[i]->isLeaf != 0) {
+        EXPECT_GT(nodes[i]->count, 0);
+        members += nodes[i]->count;
+      } else {
+        nodes.insert(nodes.end(), {nodes[i]->pLeft, nodes[i]->pRight});
+      }
+    EXPECT_EQ(members, 40);
+    EXPECT_EQ(nodes.size(), 2 * static_cast<std::size_t>(books[0]->size) - 1);
+    for (CdbkState *book : books) EXPECT_EQ(Api<T>::release(book), orvStsNoErr);
+  }
+  EXPECT_GT(built, 10);
+}
+
 }  // namespace
