@@ -46,7 +46,7 @@ Nearest drawNearest(float *distances, std::int32_t size) {
 template <class T>
 void scanMany(const CodeRows<T> &rows, const T *x, std::ptrdiff_t step, std::int32_t count,
               Nearest *nearest) {
-  constexpr std::int32_t kWorthwhile = 24;  // fewer vectors do not pay for the integers of the rows
+  constexpr std::int32_t kWorthwhile = 12;  // fewer vectors do not pay for the integers of the rows
   if (count >= kWorthwhile && rows.width <= RowFilter<T>::kMaxWidth) {
     RowFilter<T> filter(rows);
     if (filter.chooseScale()) return filter.scan(x, step, count, nearest);
