@@ -33,7 +33,8 @@ RecordingReader::~RecordingReader() = default;
 RecordingReader::RecordingReader(RecordingReader &&) noexcept = default;
 RecordingReader &RecordingReader::operator=(RecordingReader &&) noexcept = default;
 
-RecordingReader::RecordingReader(const std::filesystem::path &file) : state_(std::make_unique<State>()) {
+RecordingReader::RecordingReader(const std::filesystem::path &file, Channels channels)
+    : state_(std::make_unique<State>()) {
   State &s = *state_;
   s.file = file;
   if (file == "-") {
@@ -46,21 +47,27 @@ RecordingReader::RecordingReader(const std::filesystem::path &file) : state_(std
     s.source.reset(sf_open(file.c_str(), SFM_READ, &s.info));
   }
   if (!s.source) throw Error(file, std::string("cannot be read as audio: ") + sf_strerror(nullptr));
-  if (s.info.channels != 1)
+  if (channels == Channels::one && s.info.channels != 1)
     throw Error(file, "has " + std::to_string(s.info.channels) + " channels; one is needed");
 }
 
 const std::filesystem::path &RecordingReader::file() const { return state_->file; }
 int RecordingReader::sampleRate() const { return state_->info.samplerate; }
+std::size_t RecordingReader::channels() const { return static_cast<std::size_t>(state_->info.channels); }
+int RecordingReader::format() const { return state_->info.format; }
+double RecordingReader::seconds() const {
+  return static_cast<double>(std::max<sf_count_t>(state_->info.frames, 0)) / state_->info.samplerate;
+}
 
 std::span<const float> RecordingReader::read() {
   State &s = *state_;
   // The length in the header may be wrong; what counts is what can be read.
-  const sf_count_t count = sf_readf_float(s.source.get(), s.block.data(), s.block.size());
+  const sf_count_t count =
+      sf_readf_float(s.source.get(), s.block.data(), static_cast<sf_count_t>(s.block.size() / channels()));
   if (sf_error(s.source.get()) != SF_ERR_NO_ERROR)
     throw Error(s.file, std::string("cannot be read to its end: ") + sf_strerror(s.source.get()));
-  const auto samples =
-      std::span<const float>(s.block).first(static_cast<std::size_t>(std::max<sf_count_t>(count, 0)));
+  const auto samples = std::span<const float>(s.block).first(
+      static_cast<std::size_t>(std::max<sf_count_t>(count, 0)) * channels());
   if (samples.empty() && s.read == 0) throw UnusableRecording(s.file, "holds no samples");
   const auto bad =
       std::find_if(samples.begin(), samples.end(), [](float x) { return !(std::fabs(x) <= kLargestSample); });

@@ -19,21 +19,26 @@ struct Recording {
   double seconds() const { return static_cast<double>(samples.size()) / sampleRate; }
 };
 
-// Samples of one channel in any format of libsndfile, block by block. Two channels are refused rather than
-// averaged: the sum of two microphones is not what either of them heard. Throws Error for what is missing, no
-// audio, of more channels, or holds a sample that is no number or far out of range; UnusableRecording for no
-// samples at all.
+enum class Channels { one, any };
+
+// Samples in any format of libsndfile, block by block. Unless the caller can use any number of channels, two are
+// refused rather than averaged: the sum of two microphones is not what either of them heard. Throws Error for what
+// is missing, no audio, of more channels, or holds a sample that is no number or far out of range;
+// UnusableRecording for no samples at all.
 class RecordingReader {
  public:
   // "-" is standard input.
-  explicit RecordingReader(const std::filesystem::path &file);
+  explicit RecordingReader(const std::filesystem::path &file, Channels channels = Channels::one);
   ~RecordingReader();
   RecordingReader(RecordingReader &&) noexcept;
   RecordingReader &operator=(RecordingReader &&) noexcept;
 
   const std::filesystem::path &file() const;
   int sampleRate() const;
-  // The next samples, until the next call; none at the end.
+  std::size_t channels() const;
+  int format() const;      // libsndfile's number
+  double seconds() const;  // as the header tells them, which may be wrong
+  // The next samples, those of all channels of a moment side by side, until the next call; none at the end.
   std::span<const float> read();
 
  private:

@@ -27,7 +27,10 @@ std::vector<double> fullScores(const Model &model, const Frames &features);
 
 class Classifier {
  public:
-  explicit Classifier(const Model &model) : model_(model), chain_(model.chain()) {}
+  // Recordings of another sample rate than the model's are converted, or else refused.
+  explicit Classifier(const Model &model, bool resample = true) : model_(model), chain_(model.chain()) {
+    if (!resample) chain_.refuseOtherRates();
+  }
 
   // Throws Error or UnusableRecording, also for a silent recording.
   Decision decide(const Recording &recording);

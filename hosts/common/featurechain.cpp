@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "common/error.h"
+#include "common/resampler.h"
 #include "orvsr/frontend.h"
 
 namespace orv {
@@ -254,15 +255,25 @@ void FeatureChain::compute(std::span<const float> samples, Frames &features) {
 }
 
 void FeatureChain::compute(const Recording &recording, Frames &features) {
+  std::span<const float> samples(recording.samples);
+  std::vector<float> converted;
   if (recording.sampleRate != sampleRate_) {
-    throw Error(recording.file,
-                text("is sampled at ", recording.sampleRate, " Hz where ", sampleRate_, " Hz are needed"));
+    if (!resamples_) {
+      throw Error(recording.file,
+                  text("is sampled at ", recording.sampleRate, " Hz where ", sampleRate_, " Hz are needed"));
+    }
+    try {
+      converted = resampled(samples, recording.sampleRate, sampleRate_, Quality::medium);
+    } catch (const Error &reason) {
+      throw Error(recording.file, reason.what());
+    }
+    samples = converted;
   }
-  if (recording.samples.size() < leastSamples()) {
-    throw UnusableRecording(recording.file, text("is too short: ", recording.samples.size(),
-                                                 " samples where ", leastSamples(), " are needed"));
+  if (samples.size() < leastSamples()) {
+    throw UnusableRecording(recording.file, text("is too short: ", samples.size(), " samples where ",
+                                                 leastSamples(), " are needed"));
   }
-  compute(std::span<const float>(recording.samples), features);
+  compute(samples, features);
 }
 
 }  // namespace orv

@@ -65,9 +65,11 @@ class FeatureChain {
   // Replaces what `features` holds; samples.size() >= leastSamples().
   void compute(std::span<const float> samples, Frames &features);
 
-  // As compute(), after making sure that the recording is long enough (UnusableRecording) and sampled at the
-  // chain's rate (Error).
+  // As compute(), after converting a recording of another sample rate to the chain's, and making sure that it is
+  // long enough (UnusableRecording).
   void compute(const Recording &recording, Frames &features);
+  // From now on another rate is an Error.
+  void refuseOtherRates() { resamples_ = false; }
 
  private:
   struct BankRelease {
@@ -89,6 +91,7 @@ class FeatureChain {
   int sampleRate_;
   std::int32_t frameLen_, hop_, bands_, order_, statics_;
   bool meanNormalisation_;
+  bool resamples_ = true;
   float preEmphasis_;
   std::unique_ptr<OrvsFBankState_32f, BankRelease> bank_;
   std::unique_ptr<OrvsDCTLifterState_32f, LifterRelease> lifter_;

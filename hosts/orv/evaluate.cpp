@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 struct Arguments {
   std::filesystem::path model;
   std::vector<std::filesystem::path> folders;
-  bool heldOut = false, skip = false, json = false;
+  bool heldOut = false, skip = false, json = false, resample = true;
   std::int32_t shortlist = 0;  // Gaussians of a class that are scored on a frame; 0: all
 };
 
@@ -81,7 +81,7 @@ Result evaluate(const Arguments &arguments) {
   std::optional<Shortlists> shortlists;
   if (arguments.shortlist > 0) shortlists.emplace(model, arguments.shortlist);
 
-  Classifier classifier(model);
+  Classifier classifier(model, arguments.resample);
   const auto start = Clock::now();
   result.skipped =
       readAll(folders, "recognising", arguments.skip, [&](std::size_t folder, const Recording &recording) {
@@ -185,6 +185,7 @@ void addEvaluate(CLI::App &app) {
           "Score again from the N Gaussians of each class near a frame, and tell what is gained and lost")
       ->option_text("N");
   addSkipOption(*command, arguments->skip);
+  addResampleOption(*command, arguments->resample);
   command->callback([arguments] { run(*arguments); });
 }
 

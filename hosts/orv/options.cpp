@@ -74,6 +74,11 @@ void addTransformOptions(CLI::App &command, TransformOptions &options) {
       ->group(group);
 }
 
+void addResampleOption(CLI::App &command, bool &resample) {
+  command.add_flag("!--no-resample", resample,
+                   "Refuse recordings of another sample rate instead of converting them");
+}
+
 void addSkipOption(CLI::App &command, bool &skip) {
   command.add_flag("--skip-unusable", skip, "Leave out recordings that are empty, too short or silent");
 }

@@ -13,6 +13,7 @@ namespace orv {
 void addFeatureOptions(CLI::App &command, FeatureOptions &options);
 void addTransformOptions(CLI::App &command, TransformOptions &options);
 void addSkipOption(CLI::App &command, bool &skip);
+void addResampleOption(CLI::App &command, bool &resample);
 
 }  // namespace orv
 

@@ -24,7 +24,7 @@ struct Arguments {
   FeatureOptions features;
   TransformOptions transform;
   TrainingOptions training;
-  bool skip = false;
+  bool skip = false, resample = true;
 };
 
 void checkOptions(const TrainingOptions &o) {
@@ -51,6 +51,7 @@ Data readData(const Arguments &arguments, const std::vector<RecordingFolder> &fo
   const auto use = [&](std::size_t folder, const Recording &recording) {
     if (!chain) {
       chain.emplace(arguments.features, recording.sampleRate);
+      if (!arguments.resample) chain->refuseOtherRates();
       arguments.transform.check(chain->width());
     }
     refuseSilence(recording);
@@ -130,6 +131,7 @@ void addTrain(CLI::App &app) {
       ->capture_default_str();
   addTransformOptions(*command, arguments->transform);
   addSkipOption(*command, arguments->skip);
+  addResampleOption(*command, arguments->resample);
   addFeatureOptions(*command, arguments->features);
   command->callback([arguments] { run(*arguments); });
 }
