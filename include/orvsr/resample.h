@@ -57,7 +57,7 @@ extern "C" {
  * length of stream, since time is counted in whole numbers of parts of an input period.
  *
  * Memory. 191 + 4 (rows taps + buffer) bytes, taps being 2 H / c rounded up to a multiple of 8, rows L or P + 1, and
- * buffer = taps + max(taps, 1024), or more where M is above 240. Nothing is allocated while streaming.
+ * buffer = taps + max(taps, 1024), or more, up to 8192, where M is above 128. Nothing is allocated while streaming.
  *
  * Birth and end. An InitAlloc function allocates the state and stores its address in *ppState; the Free function of the
  * same form and type releases it. An Init function builds it in a buffer of the size that GetSize reports for the same

@@ -18,9 +18,9 @@ constexpr double kLeastRows = 16;
 std::int64_t tapsOf(std::int64_t half) { return 2 * ((half + 3) / 4 * 4); }
 
 // Room for a window and as many more samples, so that what is moved to the front is less than what came in;
-// for four periods of the clock where that is not much, since the fast loop takes four at a time.
+// for twice the four periods of the clock that the fast loop takes at a time, where that is not much.
 std::int64_t samplesOf(std::int64_t taps, std::int64_t period) {
-  return taps + std::max(taps, std::clamp<std::int64_t>(4 * period + 64, 1024, 8192));
+  return taps + std::max(taps, std::clamp<std::int64_t>(8 * period, 1024, 8192));
 }
 
 // Kaiser's shape parameter for an attenuation in dB.

@@ -72,17 +72,25 @@ std::int32_t passThrough(Converter &c, float *dst, std::int32_t room) {
   return len;
 }
 
-// Four periods of the clock: L rows, each of four outputs.
-void fourPeriods(Converter &c, float *dst, std::ptrdiff_t period) {
+// Two or four periods of the clock: L rows, each of as many outputs.
+template <int periods>
+void wholePeriods(Converter &c, float *dst, std::ptrdiff_t period) {
   const float *samples = c.samples();
   std::ptrdiff_t first = c.first;
   for (std::ptrdiff_t i = 0; i < c.rows; ++i) {
-    float four[4];
-    store4(four, fourOfOneRow(samples + first, period, rowAt(c), c.taps));
-    for (std::ptrdiff_t j = 0; j < 4; ++j) store(dst + i + j * c.rows, four[j]);
+    const float *x = samples + first, *row = rowAt(c);
+    if constexpr (periods == 4) {
+      float four[4];
+      store4(four, fourOfOneRow(x, period, row, c.taps));
+      for (std::ptrdiff_t j = 0; j < 4; ++j) store(dst + i + j * c.rows, four[j]);
+    } else {
+      const Two two = twoOutputs(x, row, x + period, row, c.taps);
+      store(dst + i, two.first);
+      store(dst + i + c.rows, two.second);
+    }
     first += c.clock.advance();
   }
-  c.first += static_cast<std::int32_t>(4 * period);
+  c.first += static_cast<std::int32_t>(periods * period);
 }
 
 // Beyond the last input by so little that the product of the number of inputs and the ratio, as a double, is
@@ -129,8 +137,9 @@ void setRatio(Converter &c, double ratio) {
 
 std::int32_t makeRoom(Converter &c, std::int32_t wanted) {
   const std::int32_t kept = c.filled - c.first;
-  // What is moved is never more than what was dropped since the last time.
-  if (c.capacity - c.filled < wanted && c.first >= kept) {
+  const std::int32_t free = c.capacity - c.filled;
+  // Not more is moved than was dropped since the last time, unless the buffer is full.
+  if (free < wanted && (c.first >= kept || free == 0)) {
     orvsMove_32f(c.samples() + c.first, c.samples(), kept);
     c.first = 0;
     c.filled = kept;
@@ -138,18 +147,21 @@ std::int32_t makeRoom(Converter &c, std::int32_t wanted) {
   return c.capacity - c.filled;
 }
 
-std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room) {
+std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool moreToCome) {
   if (c.clock.isSampleBySample()) return passThrough(c, dst, room);
   const float *samples = c.samples();
   Clock &clock = c.clock;
   std::int32_t made = 0;
 
+  const std::int64_t rows = c.rows;
   const std::int64_t period =
-      static_cast<std::int64_t>(clock.wholeStep) * c.rows + static_cast<std::int64_t>(clock.restStep);
-  while (room - made >= 4 * std::int64_t{c.rows} && c.windows() > 4 * period) {
-    fourPeriods(c, dst + made, period);
-    made += 4 * c.rows;
-  }
+      static_cast<std::int64_t>(clock.wholeStep) * rows + static_cast<std::int64_t>(clock.restStep);
+  for (; room - made >= 4 * rows && c.windows() > 4 * period; made += 4 * c.rows)
+    wholePeriods<4>(c, dst + made, period);
+  // With twice as many samples in the buffer the rest of them will be taken four at a time too.
+  if (moreToCome && room - made >= 4 * rows && 8 * period <= c.capacity - c.taps) return made;
+  for (; room - made >= 2 * rows && c.windows() > 2 * period; made += 2 * c.rows)
+    wholePeriods<2>(c, dst + made, period);
 
   while (made < room && c.windows() > 0) {
     const float *x = samples + c.first, *row = rowAt(c);
@@ -168,7 +180,7 @@ std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room) {
   return made;
 }
 
-std::int32_t produceFree(Converter &c, float *dst, std::int32_t room) {
+std::int32_t produceFree(Converter &c, float *dst, std::int32_t room, bool /*moreToCome*/) {
   Clock &clock = c.clock;
   std::int32_t made = 0;
   if (clock.isSampleBySample()) {

@@ -85,23 +85,26 @@ void build(Converter &c, std::int32_t tag, const Settings &settings, const Shape
 // Sets the steps of the clock to those of a ratio, and leaves the next output where it is.
 void setRatio(Converter &c, double ratio);
 
-// As many outputs as the buffer and the room allow; their number.
-std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room);
-std::int32_t produceFree(Converter &c, float *dst, std::int32_t room);
+// As many outputs as the buffer and the room allow; their number. While more samples are to come in this
+// call, some may be left for when these are in the buffer.
+std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool moreToCome);
+std::int32_t produceFree(Converter &c, float *dst, std::int32_t room, bool moreToCome);
 
-using Produce = std::int32_t(Converter &, float *, std::int32_t);
+using Produce = std::int32_t(Converter &, float *, std::int32_t, bool);
 
-inline std::int32_t produceInto(Converter &c, Produce &produce, float *dst, std::int32_t room) {
-  return produce(c, dst, room);
+inline std::int32_t produceInto(Converter &c, Produce &produce, float *dst, std::int32_t room,
+                                bool moreToCome) {
+  return produce(c, dst, room, moreToCome);
 }
 
 // Rounded to nearest, ties to even, and saturated.
-inline std::int32_t produceInto(Converter &c, Produce &produce, std::int16_t *dst, std::int32_t room) {
+inline std::int32_t produceInto(Converter &c, Produce &produce, std::int16_t *dst, std::int32_t room,
+                                bool moreToCome) {
   float scratch[2048];
   std::int32_t made = 0;
   while (made < room) {
-    const std::int32_t now =
-        produce(c, scratch, std::min<std::int32_t>(room - made, sizeof scratch / sizeof *scratch));
+    const std::int32_t now = produce(
+        c, scratch, std::min<std::int32_t>(room - made, sizeof scratch / sizeof *scratch), moreToCome);
     if (now == 0) break;
     orvsConvert_32f16s_Sfs(scratch, dst + made, now, kRoundNearestEven, 0);
     made += now;
@@ -135,9 +138,9 @@ template <class T>
 void convert(Converter &c, Produce &produce, Call<T> &call, std::int32_t flags) {
   for (;;) {
     const std::int32_t room = call.dstLen - call.produced;
-    if (room > 0) call.produced += produceInto(c, produce, call.dst + call.produced, room);
-    const bool full = call.produced == call.dstLen;
     const std::int32_t left = call.srcLen - call.consumed;
+    if (room > 0) call.produced += produceInto(c, produce, call.dst + call.produced, room, left > 0);
+    const bool full = call.produced == call.dstLen;
     if (left > 0) {
       if (full) return;
       const std::int32_t len = std::min(left, makeRoom(c, left));
