@@ -26,17 +26,25 @@ std::uint32_t sumOverPairs(const T *src, std::int32_t len, Count count) {
   return sum;
 }
 
-// 1, -1, or 0 for zero and for a NaN.
-template <class T>
-std::int32_t signOf(T x) {
-  return static_cast<std::int32_t>(x > 0) - static_cast<std::int32_t>(x < 0);
-}
-
-// Two for a change of sign, one for each half of a change that passes through zero.
+// Two for a change of sign, one for each half of a change that passes through zero: changes of being above
+// zero, and of being below it. A NaN is neither.
 template <class T>
 std::uint32_t countHalves(T b, T a) {
-  const std::int32_t change = signOf(b) - signOf(a);
-  return static_cast<std::uint32_t>(change < 0 ? -change : change);
+  return std::uint32_t{(b > 0) != (a > 0)} + std::uint32_t{(b < 0) != (a < 0)};
+}
+
+// The same over all pairs, four at a time.
+std::uint32_t sumHalves(const float *src, std::int32_t len) {
+  using simd::f32x4;
+  const f32x4 zero = simd::splat4(0.0F);
+  simd::i32x4 above = simd::splat4(0), below = above;
+  std::int32_t i = 0;
+  for (; len - 1 - i >= 4; i += 4) {
+    const f32x4 a = simd::load4(src + i), b = simd::load4(src + i + 1);
+    above = above - simd::bitsOf((b > zero) ^ (a > zero));
+    below = below - simd::bitsOf((b < zero) ^ (a < zero));
+  }
+  return simd::sumLanes(above + below) + sumOverPairs(src + i, len - i, countHalves<float>);
 }
 
 // The sum of x ln x over the elements that are not zero, in single precision, every logarithm rounded to
@@ -57,22 +65,19 @@ bool sumXLogX(const T *src, std::int32_t len, Read read, float *sum) {
 
 // 0 below 0, 2 above 2; a NaN runs through.
 float unitCurve(float x) {
-  const float rest = 2 - x;
-  const float rising = x < 1 ? x * x : 2 - rest * rest;
-  const float capped = x > 2 ? 2.0F : rising;
-  return x < 0 ? 0.0F : capped;
+  const float limited = x < 0 ? 0 : x > 2 ? 2 : x;
+  const float rest = 2 - limited;
+  return limited < 1 ? limited * limited : 2 - rest * rest;
 }
 
 void unitCurve(const float *src, float *dst, std::int32_t len) {
   using simd::f32x4;
-  const f32x4 one = simd::splat4(1.0F), two = simd::splat4(2.0F);
+  const f32x4 zero = simd::splat4(0.0F), one = simd::splat4(1.0F), two = simd::splat4(2.0F);
   std::int32_t i = 0;
   for (; len - i >= 4; i += 4) {
-    const f32x4 x = simd::load4(src + i);
-    const f32x4 rest = two - x;
-    const f32x4 rising = simd::select(x < one, x * x, two - rest * rest);
-    const f32x4 capped = simd::select(x > two, two, rising);
-    simd::store4(dst + i, simd::andNot(x < f32x4{}, capped));
+    const f32x4 limited = simd::max(zero, simd::min(two, simd::load4(src + i)));
+    const f32x4 rest = two - limited;
+    simd::store4(dst + i, simd::select(limited < one, limited * limited, two - rest * rest));
   }
   for (; i < len; ++i) store(dst + i, unitCurve(load(src + i)));
 }
@@ -119,7 +124,7 @@ OrvStatus orvsSignChangeRate_16s(const int16_t *pSrc, int32_t len, int32_t *pRes
 OrvStatus orvsSignChangeRate_Count0_32f(const float *pSrc, int32_t len, float *pResult) {
   if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
   if (len < 1) return orvStsSizeErr;
-  store(pResult, static_cast<float>(sumOverPairs(pSrc, len, countHalves<float>)) * 0.5F);
+  store(pResult, static_cast<float>(sumHalves(pSrc, len)) * 0.5F);
   return orvStsNoErr;
 }
 

@@ -9,6 +9,7 @@
 #include "orvsr/frontend.h"
 #include "primitives/memory.h"
 #include "primitives/reduce.h"
+#include "primitives/simd.h"
 
 using namespace orv;
 
@@ -71,7 +72,13 @@ OrvStatus stretch(const In *src, Out *dst, std::int32_t len, In min, In max, con
   const float low = least + limits.lowerRatio * width;
   const float high = limits.upperRatio * width + least;
   const float scale = limits.range / (limits.upperRatio * width - limits.lowerRatio * width);
-  for (std::int32_t i = 0; i < len; ++i) {
+  std::int32_t i = 0;
+  if constexpr (std::is_same_v<In, float> && std::is_same_v<Out, float>)
+    for (; len - i >= 4; i += 4) {
+      const simd::f32x4 above = simd::min(simd::splat4(high), simd::load4(src + i)) - simd::splat4(low);
+      simd::store4(dst + i, simd::max(above, simd::splat4(0.0F)) * scale);
+    }
+  for (; i < len; ++i) {
     const auto x = static_cast<float>(load(src + i));
     const float above = (high < x ? high : x) - low;
     const float value = (0 < above ? above : 0) * scale;

@@ -7,6 +7,7 @@
 #include "core/scale.h"
 #include "orvsr/matrix.h"
 #include "primitives/memory.h"
+#include "primitives/simd.h"
 
 using namespace orv;
 
@@ -94,12 +95,19 @@ OrvStatus orvsRecSqrt_32f(float *pSrcDst, int32_t len, float floor) {
   if (len < 1) return orvStsSizeErr;
   if (floor <= 0) return orvStsBadArgErr;
   std::uint32_t kept = 0;
-  for (std::int32_t i = 0; i < len; ++i) {
+  // A floored element becomes the floor itself, not its reciprocal root, and that is meant.
+  std::int32_t i = 0;
+  const simd::f32x4 floors = simd::splat4(floor);
+  for (; len - i >= 4; i += 4) {
+    const simd::f32x4 x = simd::load4(pSrcDst + i), floored = x < floors;
+    kept |= std::uint32_t{simd::signs(floored) != 15};
+    simd::store4(pSrcDst + i, simd::select(floored, floors, simd::splat4(1.0F) / simd::sqrt(x)));
+  }
+  for (; i < len; ++i) {
     const float x = load(pSrcDst + i);
     const float root = reciprocalRoot(x);
     const bool floored = x < floor;
     kept |= std::uint32_t{!floored};
-    // A floored element becomes the floor itself, not its reciprocal root, and that is meant.
     store(pSrcDst + i, floored ? floor : root);
   }
   return kept != 0 ? orvStsNoErr : orvStsDegenerateDataWrn;

@@ -187,6 +187,12 @@ inline i32x4 operator-(i32x4 a, i32x4 b) { return {_mm_sub_epi32(a.v, b.v)}; }
 inline i32x4 operator&(i32x4 a, i32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
 inline i32x4 operator^(i32x4 a, i32x4 b) { return {_mm_xor_si128(a.v, b.v)}; }
 inline f32x4 bitsOf(i32x4 a) { return {_mm_castsi128_ps(a.v)}; }
+inline i32x4 bitsOf(f32x4 a) { return {_mm_castps_si128(a.v)}; }
+// The sum of the lanes as unsigned numbers.
+inline std::uint32_t sumLanes(i32x4 a) {
+  const __m128i pairs = _mm_add_epi32(a.v, _mm_unpackhi_epi64(a.v, a.v));
+  return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_add_epi32(pairs, _mm_shuffle_epi32(pairs, 1))));
+}
 inline i32x4 operator*(i32x4 a, i32x4 b) {
   const __m128i even = _mm_mul_epu32(a.v, b.v);
   const __m128i odd = _mm_mul_epu32(_mm_srli_epi64(a.v, 32), _mm_srli_epi64(b.v, 32));
