@@ -13,11 +13,13 @@ void addPrimitiveCases();
 void addGaussCases();
 void addFrontendCases();
 void addMatrixCases();
+void addResampleCases();
 void addRobustCases();
 void addTrainCases();
 void addVqCases();
 void addVqTrainingCases();
 void addHostCases();
+void printResampleQuality();
 }  // namespace orv::bench
 
 int main(int argc, char **argv) {
@@ -38,6 +40,7 @@ int main(int argc, char **argv) {
   orv::bench::addGaussCases();
   orv::bench::addFrontendCases();
   orv::bench::addMatrixCases();
+  orv::bench::addResampleCases();
   orv::bench::addRobustCases();
   orv::bench::addTrainCases();
   orv::bench::addVqCases();
@@ -47,5 +50,6 @@ int main(int argc, char **argv) {
 #endif
   orv::bench::RatioTable table;
   benchmark::RunSpecifiedBenchmarks(&table);
+  orv::bench::printResampleQuality();
   return 0;
 }

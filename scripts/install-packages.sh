@@ -8,7 +8,7 @@ packages() {
     build) echo "build-essential cmake ninja-build pkg-config" ;;
     hosts) echo "libsndfile1-dev libkissfft-dev libcli11-dev nlohmann-json3-dev libxtensor-dev zlib1g-dev gnuplot-nox fonts-dejavu-core" ;;
     tests) echo "libgtest-dev binutils liblapack-dev" ;;
-    bench) echo "libbenchmark-dev libfftw3-dev libkissfft-dev libeigen3-dev libopenblas-dev liblapack-dev libgsl-dev libfaiss-dev" ;;
+    bench) echo "libbenchmark-dev libfftw3-dev libkissfft-dev libeigen3-dev libopenblas-dev liblapack-dev libgsl-dev libfaiss-dev libsoxr-dev libsamplerate0-dev libspeexdsp-dev" ;;
     speech)
       for language in en es fr it ru; do echo "asterisk-core-sounds-$language-wav"; done ;;
     *) echo "install-packages.sh: no set of packages is called $1" >&2; exit 2 ;;
