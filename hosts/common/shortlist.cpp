@@ -1,7 +1,9 @@
 #include "common/shortlist.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
+#include <random>
 
 #include "common/error.h"
 #include "orvsr/core.h"
@@ -12,26 +14,72 @@ namespace {
 
 constexpr std::size_t kMostCentroids = 32;
 constexpr int kRounds = 10;
+constexpr std::size_t kPoints = 20000, kLeastDraws = 8;
+// What a point counts for the lists of a class that it was not drawn from: enough to fill them where the
+// class has no points, but what a wrong class loses is no loss.
+constexpr double kForeignShare = 0.01;
+
+// Points of one Gaussian, normal but for their outermost tails: sums of twelve uniform numbers.
+void draw(const Mixture &mixture, std::size_t component, std::size_t count, std::mt19937 &random,
+          Frames &points) {
+  points.resize(count, mixture.width());
+  for (std::size_t r = 0; r < count; ++r)
+    for (std::int32_t j = 0; j < mixture.width(); ++j) {
+      double sum = -6;
+      for (int i = 0; i < 12; ++i) sum += static_cast<double>(random()) / 4294967296.0;
+      points.row(r)[j] = mixture.means.row(component)[j] +
+                         static_cast<float>(sum) * std::sqrt(mixture.variances.row(component)[j]);
+    }
+}
 
 }  // namespace
 
 Shortlists::Shortlists(const Model &model, std::int32_t best)
     : model_(model), width_(model.classes.at(0).mixture.width()) {
   findCentroids();
+  makeLists(best);
+}
+
+// Each cell lists the Gaussians of a class that have the largest share of the points in it. The points are
+// drawn from the mixtures themselves: what lies about a centroid is often nearer to other Gaussians than the
+// centroid is.
+void Shortlists::makeLists(std::int32_t best) {
+  std::size_t gaussians = 0;
+  for (const Model::Class &one : model_.classes) gaussians += one.mixture.weights.size();
+  const std::size_t draws = std::max(kLeastDraws, kPoints / gaussians);
+  std::vector<std::vector<std::vector<double>>> shares(centroids_.rows);
+  for (auto &cell : shares)
+    for (const Model::Class &one : model_.classes) cell.emplace_back(one.mixture.weights.size());
+
+  std::mt19937 random(1);
+  Frames points;
+  std::vector<float> totals(draws), scores;
+  for (const Model::Class &from : model_.classes)
+    for (std::size_t g = 0; g < from.mixture.weights.size(); ++g) {
+      draw(from.mixture, g, draws, random, points);
+      assign(points, members_);
+      for (std::size_t i = 0; i < model_.classes.size(); ++i) {
+        const Mixture &mixture = model_.classes[i].mixture;
+        scores.resize(mixture.weights.size() * draws);
+        mixture.score(points, 0, draws, totals.data(), scores.data(), draws);
+        for (std::size_t c = 0; c < centroids_.rows; ++c)
+          for (const std::size_t f : members_[c])
+            for (std::size_t m = 0; m < mixture.weights.size(); ++m)
+              shares[c][i][m] += (&from == &model_.classes[i] ? 1.0 : kForeignShare) *
+                                 from.mixture.weights[g] *
+                                 static_cast<double>(std::exp(scores[m * draws + f] - totals[f]));
+      }
+    }
+
   lists_.resize(centroids_.rows);
   for (std::size_t c = 0; c < centroids_.rows; ++c)
-    for (const Model::Class &one : model_.classes) {
-      const Mixture &mixture = one.mixture;
-      std::vector<float> scores = mixture.constants;
-      require(orvsLogGaussMultiMix_32f_D2(mixture.means.values.data(), mixture.inverses.values.data(),
-                                          mixture.means.step, centroids_.row(c), width_, scores.data(),
-                                          mixture.components()),
-              "orvsLogGaussMultiMix_32f_D2");
-      std::vector<std::size_t> order(scores.size());
+    for (std::size_t i = 0; i < model_.classes.size(); ++i) {
+      const std::vector<double> &share = shares[c][i];
+      std::vector<std::size_t> order(share.size());
       std::iota(order.begin(), order.end(), std::size_t{0});
       const auto kept = std::min(order.size(), static_cast<std::size_t>(best));
-      std::partial_sort(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(kept), order.end(),
-                        [&](std::size_t a, std::size_t b) { return scores[a] > scores[b]; });
+      std::stable_sort(order.begin(), order.end(),
+                       [&](std::size_t a, std::size_t b) { return share[a] > share[b]; });
       order.resize(kept);
       lists_[c].push_back(order);
     }

@@ -13,8 +13,8 @@
 namespace orv {
 
 // A coarse pass finds the nearest of a few centroids, which stand for the means of all mixtures together;
-// each centroid has a list of the Gaussians of each class that score best on it, and only those are scored on
-// its frames.
+// each centroid has a list of the Gaussians of each class that have most of what lies near it, and only those
+// are scored on its frames: one Gaussian after the other on all of them.
 //
 // Source: E. Bocchieri, Vector quantization for the efficient computation of continuous density likelihoods,
 // ICASSP 1993.
@@ -28,6 +28,7 @@ class Shortlists {
 
  private:
   void findCentroids();
+  void makeLists(std::int32_t best);
   // The rows of `points` sorted by their nearest centroid.
   void assign(const Frames &points, std::vector<std::vector<std::size_t>> &members);
 

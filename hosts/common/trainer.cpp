@@ -1,18 +1,22 @@
 #include "common/trainer.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <optional>
+#include <utility>
 
 #include "common/error.h"
+#include "common/framelists.h"
 #include "orvsr/train.h"
 
 namespace orv {
 namespace {
 
-// Frames scored at once: their scores under all components stay in the cache.
-constexpr std::size_t kBlock = 256;
 // A component this far below the mixture adds nothing to it (the drop threshold of log-addition), so it takes
 // no share of the frame either.
 constexpr float kDropThreshold = -15.3195879547406f;
@@ -32,39 +36,97 @@ struct Statistics {
   std::vector<double> occupations, first, second;
 };
 
-void accumulate(const float *frame, const float *mean, std::size_t width, double share, double *first,
-                double *second) {
+// Frames with a component's share of each.
+struct Shares {
+  std::vector<const float *> frames;
+  std::vector<double> values;
+
+  Shares() = default;
+  // All of each.
+  explicit Shares(const Frames &all) : values(all.rows, 1.0) {
+    for (std::size_t r = 0; r < all.rows; ++r) frames.push_back(all.row(r));
+  }
+  void clear() {
+    frames.clear();
+    values.clear();
+  }
+  // `difference` is the log of the share.
+  void add(const float *frame, float difference) {
+    if (difference < kDropThreshold) return;
+    frames.push_back(frame);
+    values.push_back(static_cast<double>(std::exp(difference)));
+  }
+};
+
+// `count` frames at once, so that the sums are loaded and stored once for all of them.
+template <std::size_t count>
+void accumulate(const float *const *allFrames, const double *allShares, const float *__restrict mean,
+                std::size_t width, double *__restrict first, double *__restrict second) {
+  // Copies, of which the compiler knows that the loop does not write to them.
+  std::array<const float *, count> frames;
+  std::array<double, count> shares;
+  std::copy_n(allFrames, count, frames.begin());
+  std::copy_n(allShares, count, shares.begin());
   for (std::size_t j = 0; j < width; ++j) {
-    const double difference = static_cast<double>(frame[j]) - static_cast<double>(mean[j]);
-    first[j] += share * difference;
-    second[j] += share * difference * difference;
+    const double from = mean[j];
+    double f = first[j], s = second[j];
+    for (std::size_t k = 0; k < count; ++k) {
+      const double difference = static_cast<double>(frames[k][j]) - from;
+      const double shared = shares[k] * difference;
+      f += shared;
+      s += shared * difference;
+    }
+    first[j] = f;
+    second[j] = s;
   }
 }
 
-Statistics expectation(const Frames &frames, const Mixture &mixture) {
+void accumulate(const Shares &shares, const float *mean, std::size_t width, double *first, double *second) {
+  std::size_t i = 0;
+  for (; i + 2 <= shares.frames.size(); i += 2)
+    accumulate<2>(&shares.frames[i], &shares.values[i], mean, width, first, second);
+  for (; i < shares.frames.size(); ++i)
+    accumulate<1>(&shares.frames[i], &shares.values[i], mean, width, first, second);
+}
+
+// A pass over the frames: all components, or those that the lists have.
+Statistics expectation(const Frames &frames, const Mixture &mixture, const FrameLists *lists) {
   const std::size_t components = mixture.weights.size();
   const auto width = static_cast<std::size_t>(mixture.width());
   Statistics statistics(components, width);
-  std::vector<float> scores(components * kBlock), totals(kBlock);
+  Shares shares;
+  std::vector<float> scores(lists == nullptr ? components * kFrameBlock : 0), totals(kFrameBlock);
 
-  for (std::size_t start = 0; start < frames.rows; start += kBlock) {
-    const std::size_t count = std::min(kBlock, frames.rows - start);
-    mixture.score(frames, start, count, totals.data(), scores.data(), kBlock);
+  for (std::size_t start = 0; start < frames.rows; start += kFrameBlock) {
+    const std::size_t count = std::min(kFrameBlock, frames.rows - start);
+    if (lists == nullptr) {
+      mixture.score(frames, start, count, totals.data(), scores.data(), kFrameBlock);
+    } else {
+      lists->score(frames, mixture, start, totals.data(), scores);
+    }
     statistics.logLikelihood = std::accumulate(
         totals.begin(), totals.begin() + static_cast<std::ptrdiff_t>(count), statistics.logLikelihood);
     for (std::size_t m = 0; m < components; ++m) {
-      const float *scored = scores.data() + m * kBlock;
-      for (std::size_t f = 0; f < count; ++f) {
-        const float difference = scored[f] - totals[f];
-        if (difference < kDropThreshold) continue;
-        const double share = std::exp(static_cast<double>(difference));
-        statistics.occupations[m] += share;
-        accumulate(frames.row(start + f), mixture.means.row(m), width, share, &statistics.first[m * width],
-                   &statistics.second[m * width]);
+      shares.clear();
+      if (lists == nullptr) {
+        const float *scored = scores.data() + m * kFrameBlock;
+        for (std::size_t f = 0; f < count; ++f) shares.add(frames.row(start + f), scored[f] - totals[f]);
+      } else {
+        const float *scored = scores.data() + lists->firstScore(start, m);
+        for (const FrameLists::Entry &entry : lists->entries(start, m))
+          shares.add(frames.row(start + entry.frame), *scored++ - totals[entry.frame]);
       }
+      statistics.occupations[m] =
+          std::accumulate(shares.values.begin(), shares.values.end(), statistics.occupations[m]);
+      accumulate(shares, mixture.means.row(m), width, &statistics.first[m * width],
+                 &statistics.second[m * width]);
     }
   }
   return statistics;
+}
+
+bool usesLists(const TrainingOptions &options, const Mixture &mixture) {
+  return options.shortlist > 0 && options.shortlist < mixture.components();
 }
 
 void maximisation(Statistics &statistics, const std::vector<double> &floors, double frames,
@@ -93,18 +155,24 @@ void maximisation(Statistics &statistics, const std::vector<double> &floors, dou
   mixture.prepare();
 }
 
-// Passes at one size. In exact arithmetic expectation-maximisation never lowers the likelihood, and a floor
+}  // namespace
+
+// In exact arithmetic expectation-maximisation never lowers the likelihood, and a floor
 // under the variances does not change that, since the maximum within the floor is taken and every start lies
 // within it. Scores in single precision and floored weights can lower it by a last digit once nothing is left
 // to gain. A pass that does is undone and ends the size, so that the mixture kept is always the best one
-// reported.
+// reported. Lists leave all this true: a pass raises what it reports, the likelihood under the listed
+// components, and a coarse pass, which lists the best ones anew, cannot lower it.
 void improve(const Frames &frames, const std::vector<double> &floors, const TrainingOptions &options,
              Mixture &mixture, const PassReport &report) {
   const auto count = static_cast<double>(frames.rows);
   double before = -std::numeric_limits<double>::infinity();
   Mixture kept = mixture;
+  std::optional<FrameLists> lists;
   for (std::int32_t pass = 1;; ++pass) {
-    Statistics statistics = expectation(frames, mixture);
+    if (usesLists(options, mixture) && std::has_single_bit(static_cast<std::uint32_t>(pass)))
+      lists.emplace(frames, mixture, options.shortlist);
+    Statistics statistics = expectation(frames, mixture, lists ? &*lists : nullptr);
     const double now = statistics.logLikelihood / count;
     if (!std::isfinite(now)) throw Error("training lost its way: a likelihood is not a finite number");
     if (now < before) {
@@ -118,6 +186,8 @@ void improve(const Frames &frames, const std::vector<double> &floors, const Trai
     maximisation(statistics, floors, count, mixture);
   }
 }
+
+namespace {
 
 // The heaviest components become two, to either side of their mean.
 void split(Mixture &mixture, std::int32_t components) {
@@ -151,9 +221,7 @@ std::vector<double> varianceFloors(const std::vector<Frames> &blocks, double sha
   std::vector<double> first(width), second(width), floors(width);
   double rows = 0;
   for (const Frames &block : blocks) {
-    for (std::size_t r = 0; r < block.rows; ++r) {
-      accumulate(block.row(r), mean.data(), width, 1, first.data(), second.data());
-    }
+    accumulate(Shares(block), mean.data(), width, first.data(), second.data());
     rows += static_cast<double>(block.rows);
   }
   for (std::size_t j = 0; j < width; ++j) {
@@ -170,9 +238,7 @@ Mixture trainMixture(const Frames &frames, const std::vector<double> &floors, co
   std::fill(mixture.variances.values.begin(), mixture.variances.values.end(), 1.0f);
   Statistics all(1, floors.size());
   all.occupations[0] = static_cast<double>(frames.rows);
-  for (std::size_t r = 0; r < frames.rows; ++r) {
-    accumulate(frames.row(r), mixture.means.row(0), floors.size(), 1, all.first.data(), all.second.data());
-  }
+  accumulate(Shares(frames), mixture.means.row(0), floors.size(), all.first.data(), all.second.data());
   maximisation(all, floors, static_cast<double>(frames.rows), mixture);
   improve(frames, floors, options, mixture, report);
 
@@ -183,6 +249,24 @@ Mixture trainMixture(const Frames &frames, const std::vector<double> &floors, co
     improve(frames, floors, options, mixture, report);
   }
   return mixture;
+}
+
+ShortlistEffect shortlistEffect(const Frames &frames, const Mixture &mixture,
+                                const TrainingOptions &options) {
+  if (!usesLists(options, mixture)) return {};
+  auto lap = [last = std::chrono::steady_clock::now()]() mutable {
+    const auto now = std::chrono::steady_clock::now();
+    return std::chrono::duration<double>(now - std::exchange(last, now)).count();
+  };
+  const double whole = expectation(frames, mixture, nullptr).logLikelihood;
+  const double wholeSeconds = lap();
+  const FrameLists lists(frames, mixture, options.shortlist);
+  const double coarseSeconds = lap();
+  const double listed = expectation(frames, mixture, &lists).logLikelihood;
+  const double listedSeconds = lap();
+  const int coarse = std::bit_width(static_cast<std::uint32_t>(options.passes));
+  return {wholeSeconds / (coarseSeconds * coarse / options.passes + listedSeconds),
+          (whole - listed) / static_cast<double>(frames.rows)};
 }
 
 }  // namespace orv

@@ -17,6 +17,7 @@ struct TrainingOptions {
   std::int32_t passes = 12;     // at most so many for each size of the mixture
   double leastGain = 0.001;     // a size is done when a pass gains less, in nats per frame
   double varianceFloor = 0.01;  // share of the variance of all the training data
+  std::int32_t shortlist = 0;   // Gaussians that are scored on a frame; 0: all
 };
 
 // Called after each pass with the size of the mixture, the number of the pass (from 1) and the mean
@@ -30,10 +31,25 @@ std::vector<double> varianceFloors(const std::vector<Frames> &blocks, double sha
 // of expectation-maximisation at each size. The reported log-likelihoods never fall within a size. A mixture
 // is not grown beyond one component for every ten frames.
 //
+// With a shortlist, each size begins with a coarse pass that scores all components on each frame, and there
+// is another before passes 2, 4, 8 and so on; the passes score just the components that were best on a frame
+// in the last of these, and report their log-likelihoods.
+//
 // The method: A. Dempster, N. Laird and D. Rubin, Maximum likelihood from incomplete data via the EM
 // algorithm, 1977; splitting as in S. Young et al., The HTK Book, 2006, section 10.6.
 Mixture trainMixture(const Frames &frames, const std::vector<double> &floors, const TrainingOptions &options,
                      const PassReport &report);
+
+// Passes at the size that the mixture has, as trainMixture() makes them at each size.
+void improve(const Frames &frames, const std::vector<double> &floors, const TrainingOptions &options,
+             Mixture &mixture, const PassReport &report);
+
+// What shortlists do to the passes over the frames under a mixture.
+struct ShortlistEffect {
+  double timesAsFast = 1;  // with the coarse passes
+  double lost = 0;         // of the log-likelihood, in nats per frame
+};
+ShortlistEffect shortlistEffect(const Frames &frames, const Mixture &mixture, const TrainingOptions &options);
 
 }  // namespace orv
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "common/clustering.h"
 #include "common/error.h"
 #include "common/model.h"
 #include "common/outputfile.h"
@@ -24,14 +25,18 @@ struct Arguments {
   FeatureOptions features;
   TransformOptions transform;
   TrainingOptions training;
+  std::int32_t cluster = 0;  // most Gaussians of a class; 0: as many as were trained
   bool skip = false, resample = true;
 };
 
-void checkOptions(const TrainingOptions &o) {
+void checkOptions(const Arguments &arguments) {
+  const TrainingOptions &o = arguments.training;
   if (o.components < 1 || o.components > 4096)
     throw Error("the number of components is not within 1 to 4096");
   if (o.passes < 1) throw Error("the number of passes is below 1");
   if (!(o.leastGain >= 0)) throw Error("the least gain is below 0");
+  if (o.shortlist < 0) throw Error("a shortlist of fewer than no Gaussians cannot be made");
+  if (arguments.cluster < 0) throw Error("mixtures cannot be merged to fewer than no Gaussians");
   if (!(o.varianceFloor >= 0 && o.varianceFloor <= 1)) throw Error("the variance floor is not within 0 to 1");
 }
 
@@ -69,9 +74,34 @@ Data readData(const Arguments &arguments, const std::vector<RecordingFolder> &fo
   return data;
 }
 
-void run(const Arguments &arguments) {
+// The mixture of a class, with a report of every step.
+Mixture trainClass(const Arguments &arguments, const std::string &name, const Frames &frames,
+                   const std::vector<double> &floors, std::optional<Progress> &progress) {
   const TrainingOptions &training = arguments.training;
-  checkOptions(training);
+  const auto report = [&](std::int32_t components, std::int32_t pass, double logLikelihood) {
+    std::printf("%s: %d components, pass %d: log-likelihood %.6f\n", name.c_str(), components, pass,
+                logLikelihood);
+    std::fflush(stdout);
+    if (progress && pass == 1) progress->advance();
+  };
+  Mixture mixture = trainMixture(frames, floors, training, report);
+  if (arguments.cluster > 0 && arguments.cluster < mixture.components()) {
+    const std::int32_t before = mixture.components();
+    const double cost = mergeGaussians(mixture, arguments.cluster);
+    std::printf("%s: %d components merged to %d, at a cost of about %.6f\n", name.c_str(), before,
+                mixture.components(), cost);
+    improve(frames, floors, training, mixture, report);
+  }
+  if (training.shortlist > 0) {
+    const ShortlistEffect effect = shortlistEffect(frames, mixture, training);
+    std::printf("%s: shortlists of %d Gaussians: passes %.1f times as fast, log-likelihood lower by %.6f\n",
+                name.c_str(), training.shortlist, effect.timesAsFast, effect.lost);
+  }
+  return mixture;
+}
+
+void run(const Arguments &arguments) {
+  checkOptions(arguments);
   Model model;
   model.features = arguments.features;
   if (!arguments.heldOut.empty()) model.heldOut = Fold::parse(arguments.heldOut);
@@ -83,24 +113,19 @@ void run(const Arguments &arguments) {
   model.sampleRate = data.sampleRate;
   model.transform = estimateTransform(arguments.transform, data.frames);
   for (Frames &frames : data.frames) model.transform.apply(frames);
-  const std::vector<double> floors = varianceFloors(data.frames, training.varianceFloor);
+  const std::vector<double> floors = varianceFloors(data.frames, arguments.training.varianceFloor);
   // On a terminal the report itself tells how far training is.
   std::optional<Progress> progress;
   if (isatty(STDOUT_FILENO) == 0) {
-    const auto sizes = 1 + std::bit_width(static_cast<std::uint32_t>(training.components - 1));
+    const auto sizes = 1 + std::bit_width(static_cast<std::uint32_t>(arguments.training.components - 1)) +
+                       (arguments.cluster > 0 ? 1 : 0);
     progress.emplace("training", folders.size() * static_cast<std::size_t>(sizes));
   }
   for (std::size_t i = 0; i < folders.size(); ++i) {
     const std::string &name = folders[i].name;
     const Frames &frames = data.frames[i];
     std::printf("%s: %zu recordings, %zu frames\n", name.c_str(), data.recordings[i], frames.rows);
-    const auto report = [&](std::int32_t components, std::int32_t pass, double logLikelihood) {
-      std::printf("%s: %d components, pass %d: log-likelihood %.6f\n", name.c_str(), components, pass,
-                  logLikelihood);
-      std::fflush(stdout);
-      if (progress && pass == 1) progress->advance();
-    };
-    model.classes.push_back({name, trainMixture(frames, floors, training, report)});
+    model.classes.push_back({name, trainClass(arguments, name, frames, floors, progress)});
   }
   output.write(encode(model));
 }
@@ -129,6 +154,15 @@ void addTrain(CLI::App &app) {
       ->add_option("--variance-floor", training.varianceFloor,
                    "Least variance, as a share of that of all recordings")
       ->capture_default_str();
+  command
+      ->add_option("--cluster", arguments->cluster,
+                   "Merge the nearest Gaussians of a class until N are left, and train these again")
+      ->option_text("N");
+  command
+      ->add_option("--shortlist", training.shortlist,
+                   "Score the N Gaussians that were best on a frame in a coarse pass, and tell what is "
+                   "gained and lost")
+      ->option_text("N");
   addTransformOptions(*command, arguments->transform);
   addSkipOption(*command, arguments->skip);
   addResampleOption(*command, arguments->resample);

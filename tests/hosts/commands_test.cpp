@@ -90,6 +90,25 @@ TEST_F(Commands, TransformsAreEstimatedStoredAndApplied) {
   }
 }
 
+TEST_F(Commands, ClustersAndShortlistsTellWhatTheyDidAndChangeNothingWhereThereIsRoom) {
+  makeVoices(6);
+  ASSERT_EQ(run("train -o plain --components 4 colour loud").status, 0);
+  const std::string plain = readFile(folder / "plain");
+  ASSERT_EQ(run("train -o roomy --components 4 --cluster 4 --shortlist 4 colour loud").status, 0);
+  EXPECT_TRUE(readFile(folder / "roomy") == plain);
+
+  const Outcome clustered = run("train -o model --components 4 --cluster 3 colour loud");
+  EXPECT_NE(clustered.out.find("\ncolour: 4 components merged to 3, at a cost of about "), std::string::npos);
+  EXPECT_NE(clustered.out.find("\ncolour: 3 components, pass 2: "), std::string::npos) << clustered.out;
+  EXPECT_LT(fs::file_size(folder / "model"), 0.85 * static_cast<double>(plain.size()));
+  EXPECT_EQ(nlohmann::json::parse(run("evaluate model colour loud --json").out)["accuracy"], 1.0);
+
+  const Outcome listed = run("train -o model --components 4 --shortlist 1 colour loud");
+  EXPECT_NE(listed.out.find("\nloud: shortlists of 1 Gaussians: passes "), std::string::npos) << listed.out;
+  EXPECT_TRUE(readFile(folder / "model") != plain);
+  EXPECT_EQ(nlohmann::json::parse(run("evaluate model colour loud --json").out)["accuracy"], 1.0);
+}
+
 TEST_F(Commands, SkipUnusableRecordingsOnlyWhenTold) {
   makeVoices(3);
   writeWav(folder / "colour/empty.wav", {});
@@ -196,6 +215,9 @@ TEST_F(Commands, EveryFaultGetsOneLineAndChangesNothing) {
       {"train -o old colour --transform pca --dims 0", "dims"},
       {"train -o old colour --dims 3", "--dims requires --transform"},
       {"train -o old colour --transform ica", "ica"},
+      {"train -o old colour --cluster -1", "mixtures cannot be merged to fewer than no Gaussians"},
+      {"train -o old colour --cluster x", "cluster"},
+      {"train -o old colour --shortlist -3", "a shortlist of fewer than no Gaussians cannot be made"},
       {"evaluate none colour", "none: no such file"},
       {"evaluate colour colour", "colour: is not a file"},
       {"evaluate text.wav colour", "text.wav: is not a model of orv"},
