@@ -264,7 +264,7 @@ ShortlistEffect shortlistEffect(const Frames &frames, const Mixture &mixture,
   const double coarseSeconds = lap();
   const double listed = expectation(frames, mixture, &lists).logLikelihood;
   const double listedSeconds = lap();
-  const int coarse = std::bit_width(static_cast<std::uint32_t>(options.passes));
+  const auto coarse = static_cast<double>(std::bit_width(static_cast<std::uint32_t>(options.passes)));
   return {wholeSeconds / (coarseSeconds * coarse / options.passes + listedSeconds),
           (whole - listed) / static_cast<double>(frames.rows)};
 }
