@@ -1,18 +1,13 @@
 #include "common/resampler.h"
 
-#include <sndfile.h>
-
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <cmath>
 #include <numeric>
 #include <string>
-#include <utility>
 
 #include "common/audio.h"
+#include "common/audiosink.h"
 #include "common/error.h"
-#include "common/progress.h"
 #include "orvsr/resample.h"
 
 namespace orv {
@@ -40,39 +35,6 @@ Settings settingsOf(Quality quality) {
 // Beyond this the filters of two odd rates would take longer to design than a recording to convert.
 constexpr int kMostPhases = 1000;
 constexpr std::size_t kBlock = 16384;
-
-int formatOf(const fs::path &output, int inputFormat) {
-  static constexpr std::array<std::pair<const char *, int>, 14> kFormats = {{{".wav", SF_FORMAT_WAV},
-                                                                             {".wave", SF_FORMAT_WAV},
-                                                                             {".w64", SF_FORMAT_W64},
-                                                                             {".rf64", SF_FORMAT_RF64},
-                                                                             {".flac", SF_FORMAT_FLAC},
-                                                                             {".ogg", SF_FORMAT_OGG},
-                                                                             {".oga", SF_FORMAT_OGG},
-                                                                             {".opus", SF_FORMAT_OGG},
-                                                                             {".mp3", SF_FORMAT_MPEG},
-                                                                             {".aif", SF_FORMAT_AIFF},
-                                                                             {".aiff", SF_FORMAT_AIFF},
-                                                                             {".aifc", SF_FORMAT_AIFF},
-                                                                             {".au", SF_FORMAT_AU},
-                                                                             {".caf", SF_FORMAT_CAF}}};
-  std::string extension = output.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  const auto found =
-      std::find_if(kFormats.begin(), kFormats.end(), [&](const auto &f) { return f.first == extension; });
-  if (found == kFormats.end()) throw Error(output, "has no extension of a format that can be written");
-  const int type = found->second;
-  SF_INFO info{};
-  info.samplerate = 8000;
-  info.channels = 1;
-  for (const int encoding : {extension == ".opus" ? SF_FORMAT_OPUS : inputFormat & SF_FORMAT_SUBMASK,
-                             static_cast<int>(SF_FORMAT_PCM_16), static_cast<int>(SF_FORMAT_VORBIS)}) {
-    info.format = type | encoding;
-    if (sf_format_check(&info) == SF_TRUE) return info.format;
-  }
-  return type | SF_FORMAT_MPEG_LAYER_III;
-}
 
 }  // namespace
 
@@ -133,50 +95,19 @@ std::vector<float> resampled(std::span<const float> samples, int from, int to, Q
 
 void resampleFile(const fs::path &input, const fs::path &output, int rate, Quality quality) {
   RecordingReader source(input, Channels::any);
-  const std::size_t channels = source.channels();
-  SF_INFO info{};
-  info.samplerate = rate;
-  info.channels = static_cast<int>(channels);
-  info.format = formatOf(output, source.format());
   std::vector<Resampler> resamplers;
   try {
-    for (std::size_t c = 0; c < channels; ++c) resamplers.emplace_back(source.sampleRate(), rate, quality);
+    for (std::size_t c = 0; c < source.channels(); ++c)
+      resamplers.emplace_back(source.sampleRate(), rate, quality);
   } catch (const Error &reason) {
     throw Error(input, reason.what());
   }
-
-  OutputFile::Stream stream = OutputFile(output).stream();
-  std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> sink(
-      sf_open_fd(stream.descriptor(), SFM_WRITE, &info, SF_FALSE), sf_close);
-  if (!sink) throw Error(output, std::string("cannot be written: ") + sf_strerror(nullptr));
-  sf_command(sink.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-
-  Progress progress("converting second", static_cast<std::size_t>(source.seconds()));
-  std::vector<float> channel, interleaved;
-  std::vector<std::vector<float>> outputs(channels);
-  std::size_t read = 0, shown = 0;
-  for (bool end = false; !end;) {
-    const std::span<const float> block = source.read();
-    const std::size_t frames = block.size() / channels;
-    end = frames == 0;
-    channel.resize(frames);
-    for (std::size_t c = 0; c < channels; ++c) {
-      for (std::size_t i = 0; i < frames; ++i) channel[i] = block[i * channels + c];
-      outputs[c].clear();
-      resamplers[c].convert(channel, end, outputs[c]);
-    }
-    const std::size_t made = outputs[0].size();
-    interleaved.resize(made * channels);
-    for (std::size_t c = 0; c < channels; ++c)
-      for (std::size_t i = 0; i < made; ++i) interleaved[i * channels + c] = outputs[c][i];
-    const auto written = sf_writef_float(sink.get(), interleaved.data(), static_cast<sf_count_t>(made));
-    if (written != static_cast<sf_count_t>(made))
-      throw Error(output, std::string("cannot be written: ") + sf_strerror(sink.get()));
-    read += frames;
-    for (; (shown + 1) * static_cast<std::size_t>(source.sampleRate()) <= read; ++shown) progress.advance();
-  }
-  if (sf_close(sink.release()) != SF_ERR_NO_ERROR) throw Error(output, "cannot be written to its end");
-  stream.commit();
+  AudioSink sink(output, rate, source.channels(), source.format());
+  copyThrough(source, sink, "converting second",
+              [&](std::size_t channel, std::span<const float> samples, bool end, std::vector<float> &out) {
+                resamplers[channel].convert(samples, end, out);
+              });
+  sink.commit();
 }
 
 }  // namespace orv

@@ -13,6 +13,7 @@ void addTrain(CLI::App &app);
 void addEvaluate(CLI::App &app);
 void addIdentify(CLI::App &app);
 void addPitch(CLI::App &app);
+void addDenoise(CLI::App &app);
 void addResample(CLI::App &app);
 
 }  // namespace orv

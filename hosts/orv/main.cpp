@@ -26,6 +26,7 @@ int main(int argc, char **argv) {
   orv::addEvaluate(app);
   orv::addIdentify(app);
   orv::addPitch(app);
+  orv::addDenoise(app);
   orv::addResample(app);
   try {
     app.parse(argc, argv);
