@@ -48,6 +48,15 @@ void checkOptions(const FeatureOptions &o, int sampleRate) {
   const auto need = [](bool holds, const std::string &reason) {
     if (!holds) throw Error(reason);
   };
+  if (o.frontEnd == FrontEnd::aurora) {
+    FeatureOptions settled;
+    settled.frontEnd = o.frontEnd;
+    settled.dropPauses = o.dropPauses;
+    settled.meanNormalisation = o.meanNormalisation;
+    need(o == settled, "the front end aurora has frames, bands and cepstra of its own: none can be chosen");
+    return;
+  }
+  need(!o.dropPauses, "only the front end aurora knows pauses that can be dropped");
   need(o.frameMs > 0 && o.frameMs <= 1000, text("a frame of ", o.frameMs, " ms is not within 0 to 1000 ms"));
   need(o.hopMs > 0 && o.hopMs <= 1000, text("a hop of ", o.hopMs, " ms is not within 0 to 1000 ms"));
   need(o.preEmphasis >= 0 && o.preEmphasis <= 1,
@@ -106,6 +115,13 @@ FeatureChain &FeatureChain::operator=(FeatureChain &&) noexcept = default;
 FeatureChain::FeatureChain(const FeatureOptions &options, int sampleRate)
     : kind_(options.kind), sampleRate_(sampleRate) {
   checkOptions(options, sampleRate);
+  meanNormalisation_ = options.meanNormalisation;
+  if (options.frontEnd == FrontEnd::aurora) {
+    aurora_.emplace(sampleRate);
+    dropPauses_ = options.dropPauses;
+    statics_ = AuroraChain::kStatics;
+    return;
+  }
   frameLen_ = static_cast<std::int32_t>(std::lround(options.frameMs * sampleRate / 1000));
   hop_ = static_cast<std::int32_t>(std::lround(options.hopMs * sampleRate / 1000));
   if (frameLen_ < 2) throw Error(text("a frame of ", options.frameMs, " ms is shorter than two samples"));
@@ -113,7 +129,6 @@ FeatureChain::FeatureChain(const FeatureOptions &options, int sampleRate)
   bands_ = takesBands() ? options.bands : 0;
   order_ = takesBands() ? 0 : options.order;
   statics_ = kind_ == FeatureKind::mfcc ? options.cepstra + 1 : takesBands() ? bands_ : order_ + 1;
-  meanNormalisation_ = options.meanNormalisation;
   preEmphasis_ = static_cast<float>(options.preEmphasis);
   if (order_ >= frameLen_) throw Error(text("a predictor of order ", order_, " needs a longer frame"));
 
@@ -159,11 +174,13 @@ void FeatureChain::buildLifter(const FeatureOptions &options) {
 }
 
 std::size_t FeatureChain::frames(std::size_t samples) const {
+  if (aurora_) return aurora_->frames(samples);
   const auto len = static_cast<std::size_t>(frameLen_);
   return samples < len ? 0 : 1 + (samples - len) / static_cast<std::size_t>(hop_);
 }
 
 std::size_t FeatureChain::leastSamples() const {
+  if (aurora_) return aurora_->leastSamples();
   return static_cast<std::size_t>(frameLen_) + (kDeltaLead - 1) * static_cast<std::size_t>(hop_);
 }
 
@@ -211,7 +228,27 @@ void FeatureChain::lineFrequencies(float *values) {
   for (std::int32_t i = 0; i < order_; ++i) values[i] = std::acos(std::clamp(values[i], -1.0f, 1.0f));
 }
 
+void FeatureChain::computeAurora(std::span<const float> samples, Frames &features) {
+  features.resize(frames(samples.size()), width());
+  features.rows = 0;
+  Normalisation normalisation;
+  const auto keep = [&](const float *row, bool speech) {
+    if (dropPauses_ && !speech) return;
+    std::copy_n(row, width(), features.row(features.rows++));
+    normalisation.add(row);
+  };
+  aurora_->push(samples, keep);
+  aurora_->flush(keep);
+  features.resize(features.rows, width());
+  if (!meanNormalisation_) return;
+  for (std::size_t r = 0; r < features.rows; ++r) normalisation.apply(features.row(r));
+}
+
 void FeatureChain::compute(std::span<const float> samples, Frames &features) {
+  if (aurora_) {
+    computeAurora(samples, features);
+    return;
+  }
   const std::size_t total = frames(samples.size());
   const auto bands = static_cast<std::size_t>(bands_);
   const auto statics = static_cast<std::size_t>(statics_);
@@ -254,6 +291,12 @@ void FeatureChain::compute(std::span<const float> samples, Frames &features) {
   }
 }
 
+void FeatureChain::requireLength(const std::filesystem::path &file, std::size_t samples) const {
+  if (samples >= leastSamples()) return;
+  throw UnusableRecording(file,
+                          text("is too short: ", samples, " samples where ", leastSamples(), " are needed"));
+}
+
 void FeatureChain::compute(const Recording &recording, Frames &features) {
   std::span<const float> samples(recording.samples);
   std::vector<float> converted;
@@ -269,11 +312,9 @@ void FeatureChain::compute(const Recording &recording, Frames &features) {
     }
     samples = converted;
   }
-  if (samples.size() < leastSamples()) {
-    throw UnusableRecording(recording.file, text("is too short: ", samples.size(), " samples where ",
-                                                 leastSamples(), " are needed"));
-  }
+  requireLength(recording.file, samples.size());
   compute(samples, features);
+  if (features.rows == 0) throw UnusableRecording(recording.file, "holds no speech");
 }
 
 }  // namespace orv

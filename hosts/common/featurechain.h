@@ -5,12 +5,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "common/audio.h"
+#include "common/aurorachain.h"
 #include "common/frames.h"
 #include "orvsr/types.h"
 
@@ -22,7 +25,13 @@ enum class Window { hamming, hann, rectangular };
 // linear predictor, or its line spectrum frequencies in radians, either with the log energy of the frame.
 enum class FeatureKind { mfcc, fbank, lpcc, lsf };
 
+// Plain: all that FeatureOptions tells. Aurora: the chain of AuroraChain, made for speech in noise, which
+// leaves nothing to choose but normalisation and pauses.
+enum class FrontEnd { plain, aurora };
+
 struct FeatureOptions {
+  FrontEnd frontEnd = FrontEnd::plain;
+  bool dropPauses = false;  // of aurora: leave out frames without speech
   FeatureKind kind = FeatureKind::mfcc;
   double frameMs = 25;
   double hopMs = 10;
@@ -33,8 +42,10 @@ struct FeatureOptions {
   double highHz = 0;          // 0: half the sample rate
   std::int32_t cepstra = 12;  // beside C0
   std::int32_t lifter = 22;
-  std::int32_t order = 12;  // of the predictor
-  bool meanNormalisation = true;
+  std::int32_t order = 12;        // of the predictor
+  bool meanNormalisation = true;  // of aurora: to variance 1 as well
+
+  bool operator==(const FeatureOptions &) const = default;
 };
 
 // Values v above the floor become log(v), the others log(floor); floor > 0. The error is below 2e-7 of the
@@ -61,6 +72,8 @@ class FeatureChain {
   std::size_t frames(std::size_t samples) const;
   // The least number of samples that compute() takes.
   std::size_t leastSamples() const;
+  // Throws UnusableRecording if a recording has fewer.
+  void requireLength(const std::filesystem::path &file, std::size_t samples) const;
 
   // Replaces what `features` holds; samples.size() >= leastSamples().
   void compute(std::span<const float> samples, Frames &features);
@@ -79,6 +92,8 @@ class FeatureChain {
     void operator()(OrvsDCTLifterState_32f *lifter) const;
   };
 
+  // The features of the chain for speech in noise.
+  void computeAurora(std::span<const float> samples, Frames &features);
   bool takesBands() const { return kind_ == FeatureKind::mfcc || kind_ == FeatureKind::fbank; }
   void buildBank(const FeatureOptions &options);
   void buildLifter(const FeatureOptions &options);
@@ -89,10 +104,12 @@ class FeatureChain {
 
   FeatureKind kind_;
   int sampleRate_;
-  std::int32_t frameLen_, hop_, bands_, order_, statics_;
-  bool meanNormalisation_;
+  std::int32_t frameLen_ = 0, hop_ = 0, bands_ = 0, order_ = 0, statics_ = 0;
+  bool meanNormalisation_ = true;
   bool resamples_ = true;
-  float preEmphasis_;
+  std::optional<AuroraChain> aurora_;
+  bool dropPauses_ = false;
+  float preEmphasis_ = 0;
   std::unique_ptr<OrvsFBankState_32f, BankRelease> bank_;
   std::unique_ptr<OrvsDCTLifterState_32f, LifterRelease> lifter_;
   std::vector<float> window_;     // frameLen_ gains

@@ -66,7 +66,9 @@ Json toJson(const FeatureOptions &o) {
           {"highHz", o.highHz},
           {"cepstra", o.cepstra},
           {"lifter", o.lifter},
-          {"meanNormalisation", o.meanNormalisation}};
+          {"meanNormalisation", o.meanNormalisation},
+          {"frontEnd", static_cast<int>(o.frontEnd)},
+          {"dropPauses", o.dropPauses}};
 }
 
 FeatureOptions featureOptions(const Json &json) {
@@ -87,6 +89,11 @@ FeatureOptions featureOptions(const Json &json) {
   json.at("cepstra").get_to(o.cepstra);
   json.at("lifter").get_to(o.lifter);
   json.at("meanNormalisation").get_to(o.meanNormalisation);
+  // Models from before there was a choice have neither of these.
+  const int frontEnd = json.value("frontEnd", 0);
+  need(frontEnd >= 0 && frontEnd <= static_cast<int>(FrontEnd::aurora));
+  o.frontEnd = static_cast<FrontEnd>(frontEnd);
+  o.dropPauses = json.value("dropPauses", false);
   return o;
 }
 

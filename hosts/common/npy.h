@@ -4,6 +4,7 @@
 #define ORV_HOSTS_COMMON_NPY_H
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "common/frames.h"
@@ -20,11 +21,14 @@ class NpyStream {
   NpyStream(const OutputFile &file, std::int32_t width);
   void append(const float *row);
   std::uint64_t rows() const { return rows_; }
+  // Changes every row that has been appended.
+  void change(const std::function<void(float *row)> &how);
   // Completes the header and commits the file.
   void commit();
 
  private:
   std::string header() const;
+  void writeWaiting();
 
   OutputFile::Stream stream_;
   std::int32_t width_;

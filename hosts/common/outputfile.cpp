@@ -51,6 +51,19 @@ class OutputFile::Stream::Aside {
     });
   }
 
+  void read(std::uint64_t at, void *bytes, std::size_t count) const {
+    auto *to = static_cast<char *>(bytes);
+    while (count > 0) {
+      const ssize_t some = pread(fd_, to, count, static_cast<off_t>(at));
+      if (some == 0) errno = EIO;
+      if (some == 0 || (some < 0 && errno != EINTR)) fail();
+      if (some < 0) continue;
+      to += some;
+      at += static_cast<std::uint64_t>(some);
+      count -= static_cast<std::size_t>(some);
+    }
+  }
+
   void commit() {
     struct stat old {};
     const mode_t mask = umask(0);
@@ -87,6 +100,9 @@ OutputFile::Stream &OutputFile::Stream::operator=(Stream &&) noexcept = default;
 void OutputFile::Stream::append(std::string_view contents) { aside_->append(contents); }
 void OutputFile::Stream::overwrite(std::uint64_t at, std::string_view contents) {
   aside_->overwrite(at, contents);
+}
+void OutputFile::Stream::read(std::uint64_t at, void *bytes, std::size_t count) const {
+  aside_->read(at, bytes, count);
 }
 int OutputFile::Stream::descriptor() const { return aside_->descriptor(); }
 void OutputFile::Stream::commit() { aside_->commit(); }

@@ -3,6 +3,7 @@
 #ifndef ORV_HOSTS_COMMON_OUTPUTFILE_H
 #define ORV_HOSTS_COMMON_OUTPUTFILE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -28,6 +29,8 @@ class OutputFile {
     void append(std::string_view contents);
     // Writes over what begins so many bytes from the start.
     void overwrite(std::uint64_t at, std::string_view contents);
+    // Bytes that have been written, from so many behind the start.
+    void read(std::uint64_t at, void *bytes, std::size_t count) const;
     // For libraries that write by themselves; it stays open until commit().
     int descriptor() const;
     void commit();

@@ -11,7 +11,16 @@ void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
                                                            {"fbank", FeatureKind::fbank},
                                                            {"lpcc", FeatureKind::lpcc},
                                                            {"lsf", FeatureKind::lsf}};
+  static const std::map<std::string, FrontEnd> frontEnds = {{"plain", FrontEnd::plain},
+                                                            {"aurora", FrontEnd::aurora}};
   const std::string group = "Features";
+  command
+      .add_option("--front-end", options.frontEnd,
+                  "plain (default), or aurora: for speech in noise, at 8 or 16 kHz; of the options below it "
+                  "takes the last two")
+      ->transform(CLI::CheckedTransformer(frontEnds))
+      ->option_text("NAME")
+      ->group(group);
   command
       .add_option("--kind", options.kind,
                   "mfcc (default): mel cepstra; fbank: log band energies; lpcc: cepstra of a linear "
@@ -52,6 +61,8 @@ void addFeatureOptions(CLI::App &command, FeatureOptions &options) {
   command
       .add_flag("!--no-mean-normalisation", options.meanNormalisation,
                 "Keep the mean of each coefficient over the recording")
+      ->group(group);
+  command.add_flag("--drop-pauses", options.dropPauses, "With aurora: leave out frames without speech")
       ->group(group);
 }
 
