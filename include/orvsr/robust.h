@@ -19,7 +19,7 @@ extern "C" {
  * The stages of noise reduction by a Wiener filter that is designed anew for every frame: the smoothed power
  * spectrum, the noise estimate, the gain of each bin, and, behind a mel bank and its inverse transform, the
  * filter in the time domain. No stage has a memory: the estimates of the frame before are arrays of the
- * caller's. A result may take the place of the array it is made from.
+ * caller's. Spectra, noise and gains may take the place of an array of their type that they are made from.
  *
  * The integer forms are not scaled copies of the 32f forms; each states its own constants and truncations. A
  * shift by a scale factor goes to the right for a positive one, without rounding, and to the left for a
@@ -119,11 +119,14 @@ ORV_API OrvStatus orvsWienerFilterDesign_Aurora_16s(const int16_t *pSpectrum, co
 
 /**
  * The 17 taps of orvsResidualFilter_Aurora_32f() from a response t of 10 values: t[8] .. t[1], t[0] in the
- * centre, t[2] .. t[9]. The wings differ by one place.
+ * centre, t[2] .. t[9]. The wings differ by one place. pTaps does not overlap pSrc.
  * orvStsNullPtrErr, orvStsNoErr.
  */
 ORV_API OrvStatus orvsTabsCalculation_Aurora_32f(const float *pSrc, float *pTaps);
-/** As orvsTabsCalculation_Aurora_32f(). */
+/**
+ * As orvsTabsCalculation_Aurora_32f().
+ * orvStsNullPtrErr, orvStsNoErr.
+ */
 ORV_API OrvStatus orvsTabsCalculation_Aurora_16s(const int16_t *pSrc, int16_t *pTaps);
 
 /**
@@ -303,7 +306,7 @@ ORV_API OrvStatus orvsMelFBankGetSize_32s(int32_t fftLen, int32_t nFilter, int32
  *   half of sampleRate counts as bin L / 2.
  * - melMul, melDiv: M and D of mel(f) = M ln(1 + f / D) in Q18, so that M = 2595 is 2595 * 262144. 2 < M <
  *   4096 and 2 < D < 1024: the upper limits are the powers of two above the usual 2595 and 700. They are
- * taken as single-precision numbers. M cancels out of centres and weights.
+ *   taken as single-precision numbers. M cancels out of centres and weights.
  * - flags: orvFBankBinWeights.
  *
  * orvStsNullPtrErr (pFBank, pFFTOrder), orvStsSizeErr (nFilter or highFreq below 1, fftLen),
@@ -436,8 +439,8 @@ typedef struct McraState McraState;
  *
  * - pBands: 25 band energies (of a noise-reduced spectrum), pSpectrum: 64 values;
  * - activity: a count that the caller derives elsewhere;
- * - *pResult: 1 speech, 2 no speech, 4 no decision, as for the first ten frames, and from a flush until ten
- * frames were counted, flushes included.
+ * - *pResult: 1 speech, 2 no speech, 4 no decision, as for the first ten frames, and from a flush while no
+ *   more than ten frames were counted, flushes included.
  *
  * Statuses: orvStsNullPtrErr, orvStsNoErr. Values that are not finite pass through by the rules of
  * arithmetic.
@@ -488,9 +491,9 @@ ORV_API OrvStatus orvsVADFlush_Aurora_32f(int32_t *pResult, VADState_Aurora *pSt
  * - sampleRate: 8000 to 48000 Hz;
  * - len: transform length, 8 to 8192; an odd one counts as the even one below;
  * - hop: frame step in samples, 1 to len / 2. Without it, the step is len / 2, and the minimum is taken over
- * the frames that a second has at a step of the largest power of two not above len / 2;
+ *   the frames that a second has at a step of the largest power of two not above len / 2;
  * - pState: a buffer of as many bytes as the GetSize form reports, for either type. Types must not be mixed
- * on one object;
+ *   on one object;
  * - pSrc: len / 2 + 1 powers, pNoise: as many, which may be the same array.
  *
  * Statuses, in this order; an error leaves the object as it is:
@@ -498,7 +501,7 @@ ORV_API OrvStatus orvsVADFlush_Aurora_32f(int32_t *pResult, VADState_Aurora *pSt
  * - GetSize: orvStsNullPtrErr, orvStsSizeErr (len), orvStsNoErr;
  * - Init: orvStsNullPtrErr, orvStsRangeErr (sampleRate), orvStsSizeErr (len), orvStsNoErr;
  * - AltInit: orvStsNullPtrErr, orvStsRangeErr (sampleRate, or hop outside 1 to len / 2 even if len is wrong
- * too), orvStsSizeErr (len), orvStsNoErr;
+ *   too), orvStsSizeErr (len), orvStsNoErr;
  * - Update: orvStsNullPtrErr, orvStsNoErr.
  *
  * Source of the method: I. Cohen, B. Berdugo, Noise estimation by minima controlled recursive averaging for

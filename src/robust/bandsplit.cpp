@@ -66,7 +66,7 @@ struct SplitOne {
     for (std::int32_t k = 0; k < tapLen; ++k) {
       const Sum p = Sum{load(src + k)} * load(taps + k);
       low += p;
-      high += (i + k) % 2 != 0 ? p : -p;
+      high += ((i ^ k) & 1) != 0 ? p : -p;  // the sum of the two may leave 32 bits
     }
   }
 };
