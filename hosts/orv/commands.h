@@ -14,6 +14,7 @@ void addEvaluate(CLI::App &app);
 void addIdentify(CLI::App &app);
 void addPitch(CLI::App &app);
 void addDenoise(CLI::App &app);
+void addVad(CLI::App &app);
 void addResample(CLI::App &app);
 
 }  // namespace orv

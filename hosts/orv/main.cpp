@@ -27,6 +27,7 @@ int main(int argc, char **argv) {
   orv::addIdentify(app);
   orv::addPitch(app);
   orv::addDenoise(app);
+  orv::addVad(app);
   orv::addResample(app);
   try {
     app.parse(argc, argv);

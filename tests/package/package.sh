@@ -28,6 +28,8 @@ exports() {
   all=$(cd "$SOURCE/include" && for header in orvsr/*.h; do echo "#include \"$header\""; done)
   same "names in orvcore.h and liborvcore" "$(declared <<<'#include "orvcore.h"')" "$(exported "$core")"
   same "names in orvsr/*.h and liborvsrmx" "$(declared <<<"$all")" "$(exported "$main")"
+  same "numbers of functions" "$(printf '%s\n' '643 named orvs...' '1 beside them')" \
+    "$(exported "$main" | awk '/^orvs[A-Z]/ {n++} END {print n " named orvs..."; print NR - n " beside them"}')"
   same "names in orvsr.h and in all headers" "$(declared <<<"$all")" "$(declared <<<'#include "orvsr/orvsr.h"')"
 }
 
