@@ -12,6 +12,7 @@
 #include "common/featurechain.h"
 #include "common/noisereduction.h"
 #include "common/realfft.h"
+#include "common/speechdetector.h"
 #include "orvsr/frontend.h"
 #include "orvsr/robust.h"
 
@@ -23,7 +24,6 @@ constexpr std::size_t kBands = 23, kHighBands = 3, kCepstra = 12;
 constexpr std::size_t kSources = kCepstra + 2;  // what the delta functions take: c1 .. c12, c0, log energy
 constexpr std::size_t kBlock = 64,
                       kLead = 8;  // rows of a call of the delta functions, and carried from call to call
-constexpr std::size_t kDetectorDelay = 4;  // blocks at the start that no decision is about
 constexpr float kFullScale = 32768;
 constexpr float kOffsetPole = 1 - 1.0f / 1024;
 constexpr float kPreEmphasis = 0.9f;
@@ -50,56 +50,6 @@ struct LifterRelease {
   void operator()(OrvsDCTLifterState_32f *lifter) const { orvsDCTLifterFree_32f(lifter); }
 };
 using Bank = std::unique_ptr<OrvsFBankState_32f, BankRelease>;
-
-// Tells for each block of the noise reduction whether it holds speech.
-class SpeechDetector {
- public:
-  SpeechDetector() {
-    std::int32_t size = 0;
-    require(orvsVADGetBufSize_Aurora_32f(&size), "orvsVADGetBufSize_Aurora_32f");
-    state_.resize(static_cast<std::size_t>(size));
-    require(orvsVADInit_Aurora_32f(state()), "orvsVADInit_Aurora_32f");
-  }
-
-  void block(const NoiseReducer::Block &block) {
-    std::int32_t decision = 0;
-    require(orvsVADDecision_Aurora_32f(block.melGains.data(), block.gains.data(), 0, &decision, state()),
-            "orvsVADDecision_Aurora_32f");
-    note(decision);
-  }
-
-  void flush() {
-    std::int32_t decision = 0;
-    do {
-      require(orvsVADFlush_Aurora_32f(&decision, state()), "orvsVADFlush_Aurora_32f");
-      note(decision);
-    } while (decision != kNone);
-    ended_ = true;
-  }
-
-  // Whether it is known about the block first_, and what. A stream too short for a decision is speech, and
-  // what stands before the first decision or behind the last goes with it.
-  bool known() const { return ended_ || decisions_.size() > 1; }
-  bool speech() const { return decisions_.empty() || decisions_.front(); }
-  void next() {
-    if (decisions_.size() > 1) decisions_.pop_front();
-  }
-
- private:
-  static constexpr std::int32_t kSpeech = 1, kNone = 4;
-
-  VADState_Aurora *state() { return reinterpret_cast<VADState_Aurora *>(state_.data()); }
-
-  void note(std::int32_t decision) {
-    if (decision == kNone) return;
-    if (decisions_.empty()) decisions_.assign(kDetectorDelay, decision == kSpeech);
-    decisions_.push_back(decision == kSpeech);
-  }
-
-  std::vector<unsigned char> state_;
-  std::deque<bool> decisions_;  // from the next block on; the last decision stays
-  bool ended_ = false;
-};
 
 // Noise in the high bands, and what is left of them without it.
 class HighBandNoise {

@@ -15,7 +15,8 @@ std::vector<float> recording(int rate, double seconds, const std::vector<std::pa
   std::vector<float> samples = noise(static_cast<std::size_t>(rate * seconds), 0.3f, 7);
   for (float &x : samples) x *= 0.02f;
   for (const auto &[begin, end] : voiced) {
-    for (auto n = static_cast<std::size_t>(begin * rate); n < static_cast<std::size_t>(end * rate); ++n) {
+    const auto last = std::min(samples.size(), static_cast<std::size_t>(end * rate));
+    for (auto n = static_cast<std::size_t>(begin * rate); n < last; ++n) {
       const double t = static_cast<double>(n) / rate;
       for (int h = 1; h <= 15; ++h)
         samples[n] +=
@@ -47,12 +48,19 @@ TEST_F(Vad, FindsBurstsAtEveryRate) {
     SCOPED_TRACE(rate);
     writeWav(folder / "in.wav", recording(rate, 6, voiced), rate);
     const auto found = segments("in.wav");
-    ASSERT_EQ(found.size(), 2u);
-    for (int i = 0; i < 2; ++i) {
-      // The detector begins early and hangs over by up to half a second.
-      EXPECT_NEAR(found[i].first, voiced[i].first, 0.12);
-      EXPECT_GT(found[i].second, voiced[i].second - 0.05);
-      EXPECT_LT(found[i].second, voiced[i].second + 0.6);
+    // The detector begins early and hangs over by up to half a second; it may take fright at noise for a
+    // moment.
+    double stray = 0;
+    for (const auto &[begin, end] : found) {
+      stray += end - begin;
+      for (const auto &[from, to] : voiced)
+        stray -= std::max(0.0, std::min(end, to + 0.6) - std::max(begin, from - 0.12));
+    }
+    EXPECT_LT(stray, 0.15) << ::testing::PrintToString(found);
+    for (const auto &[from, to] : voiced) {
+      EXPECT_TRUE(std::any_of(found.begin(), found.end(), [&, from = from, to = to](const auto &segment) {
+        return segment.first < from + 0.12 && segment.second > to - 0.05;
+      })) << ::testing::PrintToString(found);
     }
   }
 }
