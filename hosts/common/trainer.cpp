@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "common/codebook.h"
 #include "common/error.h"
 #include "common/framelists.h"
 #include "orvsr/train.h"
@@ -233,6 +234,13 @@ std::vector<double> varianceFloors(const std::vector<Frames> &blocks, double sha
 
 Mixture trainMixture(const Frames &frames, const std::vector<double> &floors, const TrainingOptions &options,
                      const PassReport &report) {
+  const std::size_t most = std::max<std::size_t>(1, frames.rows / kFramesPerComponent);
+  const auto goal = static_cast<std::int32_t>(std::min(static_cast<std::size_t>(options.components), most));
+  if (options.start == Start::codebook) {
+    Mixture mixture = mixtureOfClusters(frames, floors, goal);
+    improve(frames, floors, options, mixture, report);
+    return mixture;
+  }
   // The first Gaussian is what a pass from any mean makes of all frames.
   Mixture mixture(1, frames.width);
   std::fill(mixture.variances.values.begin(), mixture.variances.values.end(), 1.0f);
@@ -242,8 +250,6 @@ Mixture trainMixture(const Frames &frames, const std::vector<double> &floors, co
   maximisation(all, floors, static_cast<double>(frames.rows), mixture);
   improve(frames, floors, options, mixture, report);
 
-  const std::size_t most = std::max<std::size_t>(1, frames.rows / kFramesPerComponent);
-  const auto goal = static_cast<std::int32_t>(std::min(static_cast<std::size_t>(options.components), most));
   while (mixture.components() < goal) {
     split(mixture, std::min(goal, 2 * mixture.components()));
     improve(frames, floors, options, mixture, report);

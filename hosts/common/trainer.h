@@ -12,7 +12,11 @@
 
 namespace orv {
 
+// What a mixture grows from: one Gaussian that is split, or a Gaussian for each cluster of a codebook.
+enum class Start { split, codebook };
+
 struct TrainingOptions {
+  Start start = Start::split;
   std::int32_t components = 64;
   std::int32_t passes = 12;     // at most so many for each size of the mixture
   double leastGain = 0.001;     // a size is done when a pass gains less, in nats per frame
@@ -28,8 +32,9 @@ using PassReport = std::function<void(std::int32_t components, std::int32_t pass
 std::vector<double> varianceFloors(const std::vector<Frames> &blocks, double share);
 
 // Grows a mixture from one Gaussian to options.components by splitting the heaviest components, with passes
-// of expectation-maximisation at each size. The reported log-likelihoods never fall within a size. A mixture
-// is not grown beyond one component for every ten frames.
+// of expectation-maximisation at each size; or starts with all of them, one for each cluster of a codebook,
+// and passes at that one size. The reported log-likelihoods never fall within a size. A mixture is not grown
+// beyond one component for every ten frames.
 //
 // With a shortlist, each size begins with a coarse pass that scores all components on each frame, and there
 // is another before passes 2, 4, 8 and so on; the passes score just the components that were best on a frame

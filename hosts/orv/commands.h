@@ -16,6 +16,8 @@ void addPitch(CLI::App &app);
 void addDenoise(CLI::App &app);
 void addVad(CLI::App &app);
 void addResample(CLI::App &app);
+void addCodebook(CLI::App &app);
+void addMatch(CLI::App &app);
 
 }  // namespace orv
 

@@ -29,6 +29,8 @@ int main(int argc, char **argv) {
   orv::addDenoise(app);
   orv::addVad(app);
   orv::addResample(app);
+  orv::addCodebook(app);
+  orv::addMatch(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -117,7 +118,10 @@ void run(const Arguments &arguments) {
   // On a terminal the report itself tells how far training is.
   std::optional<Progress> progress;
   if (isatty(STDOUT_FILENO) == 0) {
-    const auto sizes = 1 + std::bit_width(static_cast<std::uint32_t>(arguments.training.components - 1)) +
+    const TrainingOptions &training = arguments.training;
+    const auto sizes = (training.start == Start::codebook
+                            ? 1
+                            : 1 + std::bit_width(static_cast<std::uint32_t>(training.components - 1))) +
                        (arguments.cluster > 0 ? 1 : 0);
     progress.emplace("training", folders.size() * static_cast<std::size_t>(sizes));
   }
@@ -144,6 +148,13 @@ void addTrain(CLI::App &app) {
                    "Leave out every Nth recording of a folder, from the Kth")
       ->option_text("K/N");
   TrainingOptions &training = arguments->training;
+  static const std::map<std::string, Start> starts = {{"split", Start::split}, {"codebook", Start::codebook}};
+  command
+      ->add_option("--init", training.start,
+                   "What a mixture starts from. split (default): one Gaussian, which is split; codebook: a "
+                   "Gaussian for each cluster of a codebook of the class")
+      ->transform(CLI::CheckedTransformer(starts))
+      ->option_text("NAME");
   command->add_option("--components", training.components, "Gaussians in a mixture")->capture_default_str();
   command->add_option("--passes", training.passes, "Most passes for each size of a mixture")
       ->capture_default_str();
