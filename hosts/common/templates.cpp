@@ -1,6 +1,7 @@
 #include "common/templates.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "common/endpoints.h"
@@ -28,18 +29,24 @@ void MatchOptions::check() const {
   if (!(trimDb >= 0)) throw Error("the level of silence is not below that of speech");
 }
 
-Templates::Templates(const FeatureOptions &features, const MatchOptions &options)
-    : features_(features), options_(options) {
+Templates::Templates(const FeatureOptions &features, const MatchOptions &options, bool resample)
+    : features_(features), options_(options), resamples_(resample) {
   options_.check();
 }
 
 Frames Templates::framesOf(const Recording &recording) {
-  if (!chain_) chain_.emplace(features_, recording.sampleRate);
+  if (!chain_) {
+    chain_.emplace(features_, recording.sampleRate);
+    if (!resamples_) chain_->refuseOtherRates();
+  }
   refuseSilence(recording);
   Frames frames;
   if (options_.trimDb > 0) {
     Recording speech = recording;
-    trimSilence(speech, options_.trimDb, chain_->leastSamples());
+    // At the recording's own rate.
+    const double least =
+        std::ceil(static_cast<double>(chain_->leastSamples()) * recording.sampleRate / chain_->sampleRate());
+    trimSilence(speech, options_.trimDb, static_cast<std::size_t>(least));
     chain_->compute(speech, frames);
   } else {
     chain_->compute(recording, frames);

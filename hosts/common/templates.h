@@ -39,9 +39,10 @@ struct Match {
 // warping from running out of its band before its end, where it would report what it had summed until then.
 class Templates {
  public:
-  Templates(const FeatureOptions &features, const MatchOptions &options);
+  // Recordings of another sample rate than the first template's are converted, or else refused.
+  Templates(const FeatureOptions &features, const MatchOptions &options, bool resample = true);
 
-  // A template, named after its file without folder and extension. The first one sets the sample rate.
+  // A template, named after its file without folder and extension.
   void add(const Recording &recording);
 
   // The names by their nearest template, nearest name first, of equal ones the first in the alphabet. A name
@@ -60,6 +61,7 @@ class Templates {
 
   FeatureOptions features_;
   MatchOptions options_;
+  bool resamples_;
   std::optional<FeatureChain> chain_;
   std::vector<Template> templates_;
 };

@@ -30,7 +30,7 @@ struct Arguments {
   std::int32_t size = 256;
   CodebookMethod method = CodebookMethod::spread;
   std::int32_t frames = 20000;
-  bool weighted = false, json = false, skip = false;
+  bool weighted = false, json = false, skip = false, resample = true;
 };
 
 struct Data {
@@ -46,7 +46,10 @@ Data readData(const Arguments &arguments) {
   Frames features;
   data.skipped = readAll(findRecordings(arguments.folders), "reading", arguments.skip,
                          [&](std::size_t, const Recording &recording) {
-                           if (!chain) chain.emplace(arguments.features, recording.sampleRate);
+                           if (!chain) {
+                             chain.emplace(arguments.features, recording.sampleRate);
+                             if (!arguments.resample) chain->refuseOtherRates();
+                           }
                            refuseSilence(recording);
                            chain->compute(recording, features);
                            data.sample.add(features);
@@ -120,6 +123,7 @@ void addCodebook(CLI::App &app) {
   command->add_flag("--weighted", arguments->weighted, "Weigh each value by the inverse of its variance");
   command->add_flag("--json", arguments->json, "Results for machines, with the weights");
   addSkipOption(*command, arguments->skip);
+  addResampleOption(*command, arguments->resample);
   addFeatureOptions(*command, arguments->features);
   command->callback([arguments] { run(*arguments); });
 }

@@ -20,7 +20,7 @@ struct Arguments {
   MatchOptions match;
   std::int32_t best = 3;
   std::optional<double> reject;
-  bool json = false, skip = false;
+  bool json = false, skip = false, resample = true;
 };
 
 // Only the templates of the given names, if there are any. Throws Error for a name without a template.
@@ -47,7 +47,7 @@ Templates readTemplates(const Arguments &arguments, std::vector<std::string> &sk
   for (const std::filesystem::path &path : arguments.templates)
     folders.push_back(findRecordings({path}).front());
   keepNames(folders, arguments.names);
-  Templates templates(arguments.features, arguments.match);
+  Templates templates(arguments.features, arguments.match, arguments.resample);
   std::size_t count = 0;
   skipped =
       readAll(folders, "reading templates", arguments.skip, [&](std::size_t, const Recording &recording) {
@@ -153,6 +153,7 @@ void addMatch(CLI::App &app) {
       ->capture_default_str();
   command->add_flag("--json", arguments->json, "Results for machines");
   addSkipOption(*command, arguments->skip);
+  addResampleOption(*command, arguments->resample);
   addFeatureOptions(*command, arguments->features);
   command->callback([arguments] { run(*arguments); });
 }
