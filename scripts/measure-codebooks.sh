@@ -95,7 +95,9 @@ noisy slow slowNoise 20
 row "1.25 times as fast" fast
 row "0.8 times as fast" slow
 row "noise 20 dB below" noise20
+row "noise 20 dB below, \`--trim 15\`" noise20 --trim 15
 row "noise 10 dB below" noise10
+row "noise 10 dB below, \`--trim 5\`" noise10 --trim 5
 row "0.8 times as fast, noise 20 dB below" slowNoise
 echo
 
@@ -118,7 +120,7 @@ digits "$folder/packages$sounds/fr/digits" "$folder/fr2"
 digits "$sounds/it_IT_m_Carlo/digits" "$folder/it1"
 digits "$folder/packages$sounds/it_IT_f_Menardi/digits" "$folder/it2"
 crossed() {
-  local language line="| \`$*\` |"
+  local language line="| ${*:-all by default} |"
   for language in es fr it; do
     line="$line $(match "$folder/${language}1" "$folder/${language}2" "$@") |"
     line="$line $(match "$folder/${language}2" "$folder/${language}1" "$@") |"
