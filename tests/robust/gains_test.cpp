@@ -7,6 +7,7 @@
 #include "orvsr/robust.h"
 #include "support/allocation.h"
 #include "support/arrays.h"
+#include "support/matrix.h"
 
 using namespace orv::test;
 
@@ -143,11 +144,12 @@ TEST(WienerGain, RaisesNegativeRatiosToZero) {
 TEST(NoiseGains, CheckTheirArgumentsInTheirOrder) {
   std::vector<float> x(1, -1.0F);
   std::vector<std::int32_t> n(1, -1);
-  EXPECT_EQ(orvsFilterUpdateEMNS_32f(nullptr, x.data(), x.data(), 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsFilterUpdateEMNS_32f(x.data(), nullptr, x.data(), 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsFilterUpdateEMNS_32s(n.data(), n.data(), nullptr, 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsFilterUpdateWiener_32f(nullptr, x.data(), 0), orvStsNullPtrErr);
-  EXPECT_EQ(orvsFilterUpdateWiener_32s(n.data(), nullptr, 0), orvStsNullPtrErr);
+  using P = const Pointers &;
+  const Order null{orvStsNullPtrErr};
+  expectOrder(null, 3, 1, [](P p, int, int, int) { return orvsFilterUpdateEMNS_32f(p[0], p[1], p[2], 0); });
+  expectOrder(null, 3, 1, [](P p, int, int, int) { return orvsFilterUpdateEMNS_32s(p[0], p[1], p[2], 0); });
+  expectOrder(null, 2, 1, [](P p, int, int, int) { return orvsFilterUpdateWiener_32f(p[0], p[1], 0); });
+  expectOrder(null, 2, 1, [](P p, int, int, int) { return orvsFilterUpdateWiener_32s(p[0], p[1], 0); });
   for (const int len : {0, 65536}) {
     EXPECT_EQ(orvsFilterUpdateEMNS_32f(x.data(), x.data(), x.data(), len), orvStsLenRangeErr);
     EXPECT_EQ(orvsFilterUpdateEMNS_32s(n.data(), n.data(), n.data(), len), orvStsLenRangeErr);
