@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::size_t kTaps = std::tuple_size_v<BandTaps>;
 constexpr std::size_t kAhead = kTaps / 2 - 1;  // taps before the pair of samples that an output belongs to
-constexpr std::size_t kPiece = BandSplit::kPiece;
 
 }  // namespace
 
