@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/alloc.h"
+#include "gauss/blockrows.h"
 #include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
@@ -251,51 +252,81 @@ OrvStatus orvsLogGaussSingle_DirectVarScaled_16s32f(const int16_t *pSrc, const i
 namespace {
 
 // How the difference of a vector and a mean enters a quadratic form: as a whole block, by array routines, and
-// element by element.
+// element by element. FourDots says how four rows of the matrix meet the block side by side.
 struct BlockSingle {
   using Elem = float;
   using Sum = float;
+  using FourDots = FourDotsSingle;
   static constexpr auto subtract = orvsSub_32f;
   static constexpr auto dotProduct = orvsDotProd_32f;
   Sum difference(const Elem *a, const Elem *b) const { return load(a) - load(b); }
+  auto fourDifferences(const Elem *a, const Elem *b) const { return simd::load4(a) - simd::load4(b); }
 };
 struct BlockWidened : BlockSingle {
   using Sum = double;
+  using FourDots = FourDotsWidened;
   static constexpr auto dotProduct = orvsDotProd_32f64f;
+  auto fourDifferences(const Elem *a, const Elem *b) const {
+    return simd::widen(simd::load4(a) - simd::load4(b));
+  }
 };
 struct BlockDouble {
   using Elem = double;
   using Sum = double;
+  using FourDots = FourDotsDouble;
   static constexpr auto subtract = orvsSub_64f;
   static constexpr auto dotProduct = orvsDotProd_64f;
   Sum difference(const Elem *a, const Elem *b) const { return load(a) - load(b); }
+  auto fourDifferences(const Elem *a, const Elem *b) const { return simd::load4(a) - simd::load4(b); }
 };
 // The same 16-bit difference enters the dot product saturated and its multiplier exact. This is meant.
 struct BlockInteger {
   using Elem = std::int16_t;
   using Sum = float;
+  using FourDots = FourDotsExact;
   static constexpr auto subtract = orvsSub_16s;
   static constexpr auto dotProduct = orvsDotProd_16s32f;
   float scale;
   Sum difference(const Elem *a, const Elem *b) const {
     return static_cast<float>(std::int32_t{load(a)} - load(b)) * scale;
   }
+  auto fourDifferences(const Elem *a, const Elem *b) const {
+    return simd::toSingle(simd::difference4(a, b)) * scale;
+  }
 };
 
 // From this length on the differences of a vector stand in allocated memory.
 constexpr std::int32_t kLeastAllocated = 112;
 
-// d' M d with d = src - mean. `differences` has room for the largest block.
+// d' M d with d = src - mean. `differences` has room for the largest block, and `room` tells for how much.
 template <class Form, class Elem = typename Form::Elem>
 OrvStatus quadraticForm(const Form &form, const Elem *src, const Elem *mean, const BlockDMatrix<Elem> &matrix,
-                        Elem *differences, typename Form::Sum &sum) {
+                        Elem *differences, std::int32_t room, typename Form::Sum &sum) {
   OrvStatus status = orvStsNoErr;
   sum = 0;
   std::int32_t offset = 0;
   for (std::int32_t b = 0; b < matrix.blockCount; ++b) {
     const std::int32_t size = matrix.blockSizes[b];
-    status = Form::subtract(mean + offset, src + offset, differences, size);
-    for (const std::int32_t end = offset + size; offset < end; ++offset) {
+    const std::int32_t end = offset + size;
+    if (const std::int32_t whole = (size + 7) / 8 * 8; whole <= room && isAligned(differences, 16)) {
+      Form::FourDots::subtract(src + offset, mean + offset, differences, size);
+      for (; end - offset >= 2; offset += std::min(4, end - offset)) {
+        const std::int32_t count = std::min(4, end - offset);
+        typename Form::Sum products[4];
+        const auto dots = Form::FourDots::dots(matrix.rows + offset, count, differences, size);
+        if (count == 4) {
+          simd::store4(products, dots * form.fourDifferences(src + offset, mean + offset));
+        } else {
+          simd::store4(products, dots);
+          for (std::int32_t k = 0; k < count; ++k)
+            products[k] *= form.difference(src + offset + k, mean + offset + k);
+        }
+        for (std::int32_t k = 0; k < count; ++k) sum += products[k];
+      }
+    } else {
+      status = Form::subtract(mean + offset, src + offset, differences, size);
+    }
+    for (; offset < end; ++offset) {
       typename Form::Sum product = 0;
       status = Form::dotProduct(matrix.rows[offset], differences, size, &product);
       sum += product * form.difference(src + offset, mean + offset);
@@ -314,7 +345,8 @@ OrvStatus scoreByBlocks(const Form &form, const Elem *src, const Elem *mean, con
   Elem *const differences = len < kLeastAllocated ? local : block.get();
   if (differences == nullptr) return orvStsMemAllocErr;
   typename Form::Sum sum;
-  const OrvStatus status = quadraticForm(form, src, mean, matrix, differences, sum);
+  const OrvStatus status =
+      quadraticForm(form, src, mean, matrix, differences, std::max(len, kLeastAllocated), sum);
   finish(sum);
   return status;
 }
@@ -368,7 +400,7 @@ OrvStatus orvsLogGaussSingle_BlockDVar_16s32s_Sfs(const int16_t *pSrc, const int
   if (differences == nullptr) return orvStsMemAllocErr;
   float sum;
   status = quadraticForm(BlockInteger{GetScale_32s32f(scaleFactor)}, pSrc, pMean, *pBlockDMatrix, differences,
-                         sum);
+                         std::max(len, kLeastAllocated), sum);
   store(pResult, saturateTruncated<std::int32_t>(static_cast<float>(gconst) - sum * 0.5F));
   return status;
 }

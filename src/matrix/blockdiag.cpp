@@ -2,6 +2,8 @@
 
 #include "matrix/blockdiag.h"
 
+#include <cstring>
+
 #include "core/alloc.h"
 #include "orvsr/matrix.h"
 #include "primitives/memory.h"
@@ -62,6 +64,8 @@ OrvStatus initAlloc(Matrix **out, const T *const *src, const std::int32_t *sizes
     for (const std::int32_t end = r + size; r < end; ++r, place += padded(rowBytes)) {
       matrix->rows[r] = reinterpret_cast<T *>(place);
       ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(src[r]), place, static_cast<std::size_t>(rowBytes));
+      // So that whole registers of a row can be read.
+      std::memset(place + rowBytes, 0, static_cast<std::size_t>(padded(rowBytes) - rowBytes));
     }
   }
   *out = matrix;
