@@ -7,12 +7,11 @@
 //   exact            in any order
 //
 // Rows stand on 16-byte boundaries and are read up to a whole register, as their padding allows. The
-// differences are followed by zeros up to a multiple of eight.
+// differences are followed by zeros up to a whole register.
 
 #ifndef ORV_GAUSS_BLOCKROWS_H
 #define ORV_GAUSS_BLOCKROWS_H
 
-#include <algorithm>
 #include <cstdint>
 
 #include "core/integer.h"
@@ -21,13 +20,12 @@
 
 namespace orv::gauss {
 
-// Where fewer than four rows are left, the last one takes the places that are free.
+// Two rows, three or four: the last one takes the places that are free.
 template <class T>
 struct FourOfBlock {
   const T *row[4];
-  FourOfBlock(T *const *rows, std::int32_t count) {
-    for (std::int32_t k = 0; k < 4; ++k) row[k] = rows[std::min(k, count - 1)];
-  }
+  FourOfBlock(T *const *rows, std::int32_t count)
+      : row{rows[0], rows[1], rows[count > 2 ? 2 : 1], rows[count - 1]} {}
 };
 
 struct FourDotsSingle {
