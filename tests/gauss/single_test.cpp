@@ -122,7 +122,6 @@ std::vector<Member<T, R>> members() {
 template <class T, class R>
 class Problem {
  public:
-  // Blocks of more than seven rows come with whole numbers, whose dot products are exact in every order.
   Problem(Random &random, std::size_t len, bool whole, std::size_t offset)
       : src_(draw(random, len, whole)), mean_(draw(random, len, whole)), var_(draw(random, len, whole)) {
     for (T &v : var_)
@@ -130,7 +129,7 @@ class Problem {
     gconst_ = random() % 3 == 0 ? R{0} : std::is_integral_v<R> ? static_cast<R>(random()) : draw(random)[0];
     std::vector<const T *> pointers;
     for (std::size_t left = len; left > 0; left -= static_cast<std::size_t>(sizes_.back()))
-      sizes_.push_back(static_cast<std::int32_t>(1 + random() % std::min<std::size_t>(left, whole ? 40 : 7)));
+      sizes_.push_back(static_cast<std::int32_t>(1 + random() % std::min<std::size_t>(left, 40)));
     for (const std::int32_t size : sizes_)
       for (std::int32_t i = 0; i < size; ++i)
         rows_.push_back(draw(random, static_cast<std::size_t>(size), whole));
@@ -207,12 +206,13 @@ class Problem {
     std::size_t begin = 0;
     for (std::size_t b = 0; b < sizes_.size(); begin += static_cast<std::size_t>(sizes_[b++]))
       for (std::size_t i = begin; i < begin + static_cast<std::size_t>(sizes_[b]); ++i) {
-        Dot dot = 0;
+        std::vector<Dot> terms;
         for (std::size_t j = 0; j < rows_[i].size(); ++j) {
           auto d = src_[begin + j] - mean_[begin + j];
           if (std::is_integral_v<T>) d = std::clamp<decltype(d)>(d, -32768, 32767);
-          dot += static_cast<Dot>(rows_[i][j]) * static_cast<Dot>(d);
+          terms.push_back(static_cast<Dot>(rows_[i][j]) * static_cast<Dot>(d));
         }
+        const Dot dot = groupedSum(Dot{0}, Dot{1}, terms, 0, 2);
         S multiplier = static_cast<S>(src_[i] - mean_[i]);
         if constexpr (integer) multiplier *= scaleOf(scaleFactor);
         sum += static_cast<S>(dot) * multiplier;
