@@ -140,6 +140,26 @@ TYPED_TEST(SplitQuantisation, FindsEveryPieceAndFormsItAgain) {
   }
 }
 
+// A codebook that copies its rows may hold more of them than can be asked for.
+TYPED_TEST(SplitQuantisation, PacksIndicesBeyondSeventeenBits) {
+  using T = TypeParam;
+  constexpr int size = 140000;
+  std::vector<T> rows;
+  for (int r = 0; r < size; ++r)
+    rows.insert(rows.end(), {static_cast<T>(r % 400), static_cast<T>(r / 400), T{0}});
+  const auto large = buildBook(rows, std::vector<T>(3, T{1}), 16383, CDBK_DIRECT);
+  PlainBook<T> small(this->distinctRows(128, 1), 1);  // seven bits before the eighteen
+  CdbkState *const books[] = {small.get(), large.get()};
+  const std::vector<T> src{3 * 85, 333, 349, 0};
+  std::vector<std::uint8_t> bits(4, 255);
+  ASSERT_EQ(Split<T>::toBits(src.data(), 4, bits.data(), 25, 1, books, 2), orvStsNoErr);
+  // 1010101, and 139933 as 100010001010011101.
+  EXPECT_EQ(bits, (std::vector<std::uint8_t>{0b10101011, 0b00010001, 0b01001110, 0b10000000}));
+  std::vector<T> formed(4);
+  ASSERT_EQ(Split<T>::fromBits(bits.data(), 25, formed.data(), 4, 1, books, 2), orvStsNoErr);
+  EXPECT_EQ(formed, (std::vector<T>{3 * 85, 333, 349, 0}));
+}
+
 TYPED_TEST(SplitQuantisation, PassesOverACodebookWithoutSearch) {
   using T = TypeParam;
   const std::vector<T> rows{0, 10, 20, 30, 40};
