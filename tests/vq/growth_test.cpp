@@ -49,6 +49,7 @@ struct Plain {
   OrvStatus status = orvStsNoErr;
   int pushes = 0, longest = 0;
   int lonely = 0;  // rows that stayed as the last of their cluster
+  bool areNeighboursOrdered = true;
 
   float d(const std::vector<T> &x, const std::vector<T> &y) const {
     float sum = 0;
@@ -106,7 +107,7 @@ struct Plain {
       for (; v < height; ++v) {
         if (!isEither(v)) continue;
         const float distance = d(rows[v], list[n]->centroid);
-        if (isFloat ? distance >= 1e-5 : distance != 0) break;
+        if (isFloat ? !(distance < 1e-5) : distance != 0) break;
       }
       if (v == height || r > 1000) return false;
       for (std::size_t k = 0; k < width; ++k) {
@@ -120,7 +121,7 @@ struct Plain {
         const float a = d(rows[i], list[n]->centroid), b = d(rows[i], list[p]->centroid);
         sum += isNearZero(a) ? std::abs(a - b) : std::abs((a - b) / a);
       }
-      if (isFloat ? parentCount * 1e-6 < sum : !isNearZero(sum)) return true;
+      if (isFloat ? !(parentCount * 1e-6 >= sum) : !isNearZero(sum)) return true;
     }
   }
 
@@ -139,6 +140,9 @@ struct Plain {
           best = recorded[r];
           drawn = r;
         }
+      // Where no distance that is left is finite: the first row.
+      if (drawn == height)
+        drawn = static_cast<std::size_t>(std::find(cluster.begin(), cluster.end(), p) - cluster.begin());
       cluster[drawn] = n;
       recorded[drawn] = FLT_MAX;
     }
@@ -225,6 +229,7 @@ struct Plain {
       std::vector<float> distances;
       for (std::size_t i = 0; i < leaves; ++i)
         distances.push_back(i == j ? FLT_MAX : d(list[i]->centroid, list[j]->centroid));
+      for (const float x : distances) areNeighboursOrdered = areNeighboursOrdered && !std::isnan(x);
       for (int i = 0; i < count; ++i) {
         const auto least = std::min_element(distances.begin(), distances.end());
         if (static_cast<std::size_t>(i) < leaves)
@@ -239,7 +244,10 @@ struct Plain {
 
 template <class T>
 bool hasElements(const void *actual, const std::vector<T> &expected) {
-  return actual != nullptr && std::memcmp(actual, expected.data(), expected.size() * sizeof(T)) == 0;
+  const T *values = static_cast<const T *>(actual);
+  for (std::size_t k = 0; k < expected.size(); ++k)
+    if (values == nullptr || !sameBits(values[k], expected[k])) return false;
+  return true;
 }
 
 template <class T>
@@ -258,7 +266,7 @@ void expectNode(const CdbkCluster *actual, const Node<T> *expected, const Plain<
   if (isLeaf) {
     EXPECT_EQ(actual->index, expected->index);
     ASSERT_EQ(actual->neighbourCount, expected->neighbours.size());
-    for (std::size_t i = 0; i < expected->neighbours.size(); ++i) {
+    for (std::size_t i = 0; i < expected->neighbours.size() && plain.areNeighboursOrdered; ++i) {
       const Node<T> *neighbour = plain.list[static_cast<std::size_t>(expected->neighbours[i])];
       EXPECT_EQ(actual->ppNeighbours[i]->index, neighbour->index);
       if (isPacked) {
@@ -326,26 +334,36 @@ struct Growth : ::testing::Test {};
 TYPED_TEST_SUITE(Growth, Elements);
 
 // Whole numbers give ties by the dozen, reals none; few distinct rows give clusters that cannot be split or
-// told apart, crowded ones a perturbation.
+// told apart, crowded ones a perturbation. Numbers of any size give distances that are infinite or no
+// numbers.
 TYPED_TEST(Growth, FollowsThePlainOneRowByRow) {
   using T = TypeParam;
   Random random(61);
   const auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
   std::map<OrvStatus, int> seen;
   int pushes = 0, longest = 0, lonely = 0;
-  for (int round = 0; round < 200; ++round) {
+  for (int round = 0; round < 240; ++round) {
     const auto width = static_cast<std::size_t>(round < 80 ? round / 2 + 1 : pick(1, 9));
     const auto height = static_cast<std::size_t>(pick(1, round % 7 == 0 ? 300 : 60));
-    const int kind = pick(0, 4);
+    const int kind = pick(0, 5);
     Vectors<T> rows;
     for (std::size_t r = 0; r < height; ++r) {
-      std::vector<T> row = wholeNumbers<T>(random, width, kind == 0 ? 2 : kind == 1 ? 9 : 3000);
+      std::vector<T> row = wholeNumbers<T>(random, width,
+                                           kind == 0   ? 2
+                                           : kind == 1 ? 9
+                                           : kind == 5 ? 30000
+                                                       : 3000);
       if (kind == 2 && std::is_same_v<T, float>) row = uniform<T>(random, width, -3, 3);
       if (kind == 3 && r > 0 && pick(0, 2) != 0)
         row = rows[static_cast<std::size_t>(pick(0, static_cast<int>(r) - 1))];
       if (kind == 3 && pick(0, 5) == 0) row[0] = static_cast<T>(row[0] + 1);
       if (kind == 4 && std::is_same_v<T, float>)
         for (T &x : row) x = static_cast<T>(x * 1e-6);
+      // Squares overflow for some pairs of rows and not for others.
+      if (kind == 5 && std::is_same_v<T, float>) {
+        row[0] = static_cast<T>(static_cast<double>(row[0]) * (round % 3 == 0 ? 1e15 : 4e14));
+        if (round % 16 == 0 && r == height / 2) row[0] = static_cast<T>(round % 32 == 0 ? NAN : -INFINITY);
+      }
       rows.push_back(row);
     }
     std::vector<T> weights(width, 1);
@@ -368,45 +386,6 @@ TYPED_TEST(Growth, FollowsThePlainOneRowByRow) {
   EXPECT_GT(pushes, 30);
   EXPECT_EQ(longest, 20);
   EXPECT_TRUE(lonely > 0 || (std::is_same_v<T, float>));
-}
-
-// Where distances may be infinite, or are no numbers, the same rows still give the same codebook, of whole
-// clusters.
-TYPED_TEST(Growth, GivesTheSameTwiceWhateverTheRows) {
-  using T = TypeParam;
-  Random random(62);
-  int built = 0;
-  for (int round = 0; round < 40; ++round) {
-    std::vector<T> src = wholeNumbers<T>(random, 120, round % 4 < 2 ? 1 : 30000);
-    if constexpr (std::is_same_v<T, float>) {
-      for (int i = 0; i < round % 5; ++i) src[random() % 120] = i % 2 == 0 ? NAN : -INFINITY;
-      for (T &x : src) x *= round % 3 == 0 ? 1e30F : 1.0F;
-    }
-    CdbkState *books[2] = {nullptr, nullptr};
-    OrvStatus statuses[2];
-    for (int i = 0; i < 2; ++i)
-      statuses[i] = Api<T>::build(&books[i], src.data(), 3, 3, 40, 1 + round, 2 + round % 2);
-    EXPECT_EQ(statuses[0], statuses[1]);
-    if (books[0] == nullptr || books[1] == nullptr) continue;
-    ++built;
-    EXPECT_EQ(books[0]->size, books[1]->size);
-    EXPECT_EQ(std::memcmp(books[0]->pData, books[1]->pData,
-                          sizeof(T) * static_cast<std::size_t>(books[0]->stride * (1 + round))),
-              0);
-    int members = 0;
-    std::vector<const CdbkCluster *> nodes = {books[0]->pRoot};
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-      if (nodes[i]->isLeaf != 0) {
-        EXPECT_GT(nodes[i]->count, 0);
-        members += nodes[i]->count;
-      } else {
-        nodes.insert(nodes.end(), {nodes[i]->pLeft, nodes[i]->pRight});
-      }
-    EXPECT_EQ(members, 40);
-    EXPECT_EQ(nodes.size(), 2 * static_cast<std::size_t>(books[0]->size) - 1);
-    for (CdbkState *book : books) EXPECT_EQ(Api<T>::release(book), orvStsNoErr);
-  }
-  EXPECT_GT(built, 10);
 }
 
 }  // namespace
