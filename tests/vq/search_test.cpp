@@ -125,30 +125,6 @@ TEST(VectorQuantisationOf32f, TakesRowsWithinAMillionthForEqual) {
   }
 }
 
-TYPED_TEST(VectorQuantisation, FindsInFieldsWhatAScanFinds) {
-  using T = TypeParam;
-  for (const int width : {1, 2}) {
-    int fields = 0;
-    for (int round = 0; round < 20; ++round) {
-      const int size = this->pick(40, 150);
-      const auto rows = this->numbers(size * width, 3000);
-      const auto weights = this->weights(width, false);
-      const auto book = buildBook(rows, weights, size, CDBK_DIRECT);
-      fields += (book->flags & kFieldInUse) != 0;
-      const auto x = this->numbers(400 * width, 2900);
-      std::vector<std::int32_t> index(400);
-      ASSERT_EQ(vqOf<T>(x.data(), width, index.data(), 400, book.get()), orvStsNoErr);
-      for (int i = 0; i < 400; ++i) {
-        const T *vector = x.data() + i * width;
-        const T *found = rows.data() + index[static_cast<std::size_t>(i)] * width;
-        ASSERT_LE(squaredDistance(vector, found, weights),
-                  scanAll(vector, rows, weights).distance * 1.000002);
-      }
-    }
-    EXPECT_GT(fields, 5) << "width " << width;
-  }
-}
-
 TYPED_TEST(VectorQuantisation, LooksIntoTheCellOfAField) {
   using T = TypeParam;
   // Rows that say which list they stand in.
