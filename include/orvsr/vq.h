@@ -37,9 +37,13 @@ enum {
  * their range is built where it makes searches cheaper. The tree methods begin with one cluster of all rows.
  * Up to cdbkSize - 1 times they choose a cluster by spread (twice the largest distance of a member to the
  * centroid) or by count, move the half of its members that is nearest to its centroid into a new cluster, and
- * reassign all rows to their nearest centroids in at most 20 rounds; no cluster ever empties. Code vectors
- * are the centroids, means of their rows, which the 16s form rounds to nearest (ties to even). Every leaf
- * knows its nearest neighbours.
+ * reassign all rows to their nearest centroids in at most 20 rounds; no cluster ever empties. Two new
+ * centroids that coincide (32f: a distance of at most 1e-6; 16s: of 0) are first told apart by pushing one of
+ * them towards rows of the cluster. Code vectors are the centroids, means of their rows, which the 16s form
+ * rounds to nearest (ties to even). Every leaf knows its nearest neighbours.
+ *
+ * The 32f form takes distances to the centroid of all rows for 0 if they are at most the larger of 1e-6 times
+ * the largest and -1e-6 times the smallest element of it: rows that differ by rounding only are not split.
  *
  * Arguments:
  * - ppCdbk: receives the object, on success and with a warning only. Not tested for null.
@@ -242,6 +246,7 @@ ORV_API OrvStatus orvsDTW_L2Low_16s32s_D2Sfs(const int16_t *pSrc1, int32_t heigh
  * - pSrc, step: height vectors as wide as the codebook, step elements apart.
  * - pIndx: height indices, written.
  * - pDist: height distances, written.
+ * - scaleFactor: of the integer forms, as above; any value.
  * - pCdbk: a codebook of the type of pSrc. It is only read: threads may search it at once.
  *
  * Statuses: orvStsNullPtrErr (any pointer null), orvStsSizeErr (step or height below 1, step below the width
@@ -278,11 +283,13 @@ ORV_API OrvStatus orvsVQDist_16s32s_Sfs(const int16_t *pSrc, int32_t step, int32
  *
  * Arguments:
  * - pSrc: a vector as wide as the codebook.
- * - pIndx, pDist: count indices and distances as of @ref vq, written.
+ * - pIndx, pDist, scaleFactor: count indices and distances as of @ref vq, written.
  * - pCdbk: a codebook of the type of pSrc. Its scratch memory is written: one call at a time.
  * - count: rows wanted, 1 to the size of the codebook.
  *
  * Statuses: orvStsNullPtrErr (any pointer null), orvStsSizeErr (count out of its range), orvStsNoErr.
+ *
+ * Source of the method: as of @ref vq, chapter 10.
  * @{
  */
 
@@ -316,14 +323,16 @@ ORV_API OrvStatus orvsVQDistSingle_Sort_16s32s_Sfs(const int16_t *pSrc, int32_t 
  *
  * Arguments:
  * - pSrc: a vector as wide as the codebook.
- * - pIndx, pDist: indices and distances as of @ref vq, with room for as many as the codebook has rows;
- * *pCount of them are written.
+ * - pIndx, pDist, scaleFactor: indices and distances as of @ref vq, with room for as many as the codebook has
+ * rows; *pCount of them are written.
  * - pCdbk: a codebook of the type of pSrc. Its scratch memory is written: one call at a time.
  * - pCount: the number of rows listed, written.
- * - threshold: 1 or more.
+ * - threshold: 1 or more, a factor of distances and not of their squares.
  *
  * Statuses: orvStsNullPtrErr (any pointer null), orvStsBadArgErr (threshold below 1), orvStsErr (an inner
  * call failed), orvStsNoErr.
+ *
+ * Source of the method: as of @ref vq, chapter 10.
  * @{
  */
 
@@ -350,8 +359,7 @@ ORV_API OrvStatus orvsVQDistSingle_Thresh_16s32s_Sfs(const int16_t *pSrc, int32_
  * @defgroup splitvq Vectors quantised in pieces
  *
  * A vector is cut into nStreams consecutive pieces, the i-th as wide as codebook i, in which it is searched
- * as of
- * @ref vq; the rest of a row is not looked at.
+ * as of @ref vq; the rest of a row is not looked at.
  *
  * Arguments:
  * - pSrc, srcStep: height vectors, srcStep elements apart.
@@ -500,6 +508,8 @@ ORV_API OrvStatus orvsFormVector_4i_8u32f(const uint8_t *pInds, const float *con
  * or height below 1; nStreams above srcStep, not tested in the 1u forms), orvStsNullPtrErr (a codebook null),
  * orvStsSizeErr (the widths together above dstStep; in the 1u forms the bits together above srcStep),
  * orvStsNoErr.
+ *
+ * Source of the method: as of @ref splitvq.
  * @{
  */
 

@@ -6,10 +6,9 @@
 //
 // - A cluster whose members are the same has the same centroid, and the same distances to all rows.
 // - For every row a lower bound is kept on the distances to all centroids but its own. A round forms the
-// distances to
-//   the centroids that moved. If one centroid, the row's own or one that moved, is then nearer than all
-//   others by more than the tolerance of the comparison, it is the answer, in whatever order clusters are
-//   compared.
+//   distances to the centroids that moved. If one centroid, the row's own or one that moved, is then nearer
+//   than all others by more than the tolerance of the comparison, it is the answer, in whatever order
+//   clusters are compared.
 // - If not, the row is compared with all centroids in list order, which also makes its bound sharp again.
 //
 // Only distances as computed are compared, all summed in the same order, so that rounding cannot tell the two
@@ -198,7 +197,8 @@ class Growth {
         largest = std::max(largest, double{std::abs(x)});
         areNumbers = areNumbers && !std::isnan(x);
       }
-    // Where a sum of rows or a distance could be infinite, every row is compared with all centroids.
+    // Where a sum of rows or a distance could be infinite, every row is compared with all centroids: a sum
+    // that is no number passes no test against a bound.
     hasBounds_ =
         areNumbers && largest * height_ < FLT_MAX / 2 && largest * largest * 4.0 * weightSum < FLT_MAX / 2;
   }

@@ -18,8 +18,7 @@ namespace orv::cdbk {
 // outcome:
 //
 // - The kept ones of a pass stand on a stack. Without the last of them the next pass would go the same way up
-// to it, so
-//   it goes on from there with what was kept before.
+//   to it, so it goes on from there with what was kept before.
 // - A tree of minima finds the next distance that is to be kept.
 class NearestDraw {
  public:
