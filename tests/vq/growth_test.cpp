@@ -342,9 +342,9 @@ TYPED_TEST(Growth, FollowsThePlainOneRowByRow) {
   const auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
   std::map<OrvStatus, int> seen;
   int pushes = 0, longest = 0, lonely = 0;
-  for (int round = 0; round < 240; ++round) {
+  for (int round = 0; round < 200; ++round) {
     const auto width = static_cast<std::size_t>(round < 80 ? round / 2 + 1 : pick(1, 9));
-    const auto height = static_cast<std::size_t>(pick(1, round % 7 == 0 ? 300 : 60));
+    const auto height = static_cast<std::size_t>(pick(1, round % 7 == 0 ? 250 : 60));
     const int kind = pick(0, 5);
     Vectors<T> rows;
     for (std::size_t r = 0; r < height; ++r) {
