@@ -14,7 +14,7 @@ build() {
 
 build tsan --target test_threads
 ctest --preset tsan -j "$(nproc)"
-build asan
+build asan --target checks
 ctest --preset asan -j "$(nproc)"
-build release
+build release --target checks
 ctest --preset release -j "$(nproc)"
