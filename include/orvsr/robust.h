@@ -167,7 +167,7 @@ ORV_API OrvStatus orvsResidualFilter_Aurora_16s_Sfs(const int16_t *pSrc, int16_t
  */
 
 /**
- * Factors 1.2 and 0.8, part 0.8. Single precision; a frame with a NaN has some peaks or other.
+ * Factors 1.2 and 0.8, the former for 0.8 of a period. Single precision; a frame with a NaN has some peaks or other.
  * orvStsNullPtrErr, orvStsNoErr.
  */
 ORV_API OrvStatus orvsWaveProcessing_Aurora_32f(const float *pSrc, float *pDst);
