@@ -1,7 +1,7 @@
 #include "primitives/autocorr.h"
 
 #include "core/alloc.h"
-#include "primitives/fft/fft.h"
+#include "primitives/fft/plan.h"
 #include "primitives/memory.h"
 #include "primitives/reduce.h"
 #include "primitives/simd.h"
@@ -48,6 +48,12 @@ OrvStatus powerLags(OrvRealFftState32f *spec, const float *src, std::int32_t src
   const WorkArray<float> array(len);
   if (!array) return orvStsMemAllocErr;
   float *x = array.get();
+  if (fft::isLarge(spec->order)) {
+    // The steps below in one go, without the packed layout between them.
+    fft::largeLags(*spec, src, static_cast<std::size_t>(srcLen), x, static_cast<std::size_t>(count),
+                   workSize > 0 ? reinterpret_cast<float *>(fft::align32(work.get())) : nullptr);
+    return orvsCopy_32f(x, dst, count);
+  }
   ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(src), reinterpret_cast<std::uint8_t *>(x),
               static_cast<std::size_t>(srcLen) * sizeof(float));
   ownsZero_8u(reinterpret_cast<std::uint8_t *>(x + srcLen),

@@ -31,6 +31,7 @@ inline Complex4 conjugateTimes(Complex4 a, Complex4 b) {
   return {a.re * b.re + a.im * b.im, a.re * b.im - a.im * b.re};
 }
 inline Complex4 operator*(Complex4 a, simd::f32x4 b) { return {a.re * b, a.im * b}; }
+inline simd::f32x4 norm(Complex4 a) { return a.re * a.re + a.im * a.im; }
 // a - i b, and a + i b
 inline Complex4 minusI(Complex4 a, Complex4 b) { return {a.re + b.im, a.im - b.re}; }
 inline Complex4 plusI(Complex4 a, Complex4 b) { return {a.re - b.im, a.im + b.re}; }

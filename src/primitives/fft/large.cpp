@@ -62,12 +62,27 @@ void exchangeOuterDigits(float *data, Split split) {
           }
 }
 
-// Eight columns of a matrix to lanes.
-void loadColumns(const float *src, std::size_t rowFloats, std::size_t rows, Groups to) {
-  for (std::size_t i = 0; i < rows; ++i, src += rowFloats) {
-    storeLanes(to.first + i * kLaneFloats, loadInterleaved(src));
-    storeLanes(to.second + i * kLaneFloats, loadInterleaved(src + 8));
+// Floats that are there; zeros follow.
+struct Source {
+  const float *values;
+  std::size_t len;
+};
+
+// Eight columns of a matrix to lanes, from the column that begins at float `at`.
+void loadColumns(Source src, std::size_t at, std::size_t rowFloats, std::size_t rows, Groups to) {
+  const auto put = [&](std::size_t i, const float *p) {
+    storeLanes(to.first + i * kLaneFloats, loadInterleaved(p));
+    storeLanes(to.second + i * kLaneFloats, loadInterleaved(p + 8));
+  };
+  std::size_t i = 0;
+  for (; i < rows && at + 2 * kColumns <= src.len; ++i, at += rowFloats) put(i, src.values + at);
+  float end[2 * kColumns] = {};
+  if (i < rows && at < src.len) {
+    std::memcpy(end, src.values + at, (src.len - at) * sizeof(float));
+    put(i++, end);
+    std::memset(end, 0, sizeof end);
   }
+  for (; i < rows; ++i) put(i, end);
 }
 
 // Four rows to the lanes of one group, and back.
@@ -110,10 +125,11 @@ struct ColumnTransform {
   const std::uint16_t *positions;
 };
 
-// Multiplies by the steps and transforms every column of a matrix with 2^order rows, in place.
+// Multiplies by the steps and transforms every column of a matrix with 2^order rows, in place. Rows from
+// `wanted` on are left as they are.
 template <class Finish>
 void columnStep(float *data, std::size_t rowFloats, const ColumnTransform &column, const float *steps,
-                Groups groups, Finish finish) {
+                Groups groups, std::size_t wanted, Finish finish) {
   const std::size_t rows = std::size_t{1} << column.order;
   for (std::size_t at = 0; at < rowFloats; at += 2 * kColumns) {
     const float *src = data + at;
@@ -123,7 +139,7 @@ void columnStep(float *data, std::size_t rowFloats, const ColumnTransform &colum
     }
     groups.transform(column.order, column.twiddles);
     float *dst = data + at;
-    for (std::size_t k = 0; k < rows; ++k, dst += rowFloats) {
+    for (std::size_t k = 0; k < wanted; ++k, dst += rowFloats) {
       const std::size_t position = std::size_t{column.positions[k]} * kLaneFloats;
       storeInterleaved(dst, finish(loadLanes(groups.first + position)));
       storeInterleaved(dst + 8, finish(loadLanes(groups.second + position)));
@@ -131,27 +147,32 @@ void columnStep(float *data, std::size_t rowFloats, const ColumnTransform &colum
   }
 }
 
-// In natural order before and after, in place or not.
+// In natural order before and after, in place or not. Only the first `wanted` floats of the result are
+// needed.
 template <class Finish>
-void transform(const OrvRealFftState32f &spec, const float *src, float *dst, float *work, Finish finish) {
+void transform(const OrvRealFftState32f &spec, Source src, float *dst, std::size_t wanted, float *work,
+               Finish finish) {
   alignas(64) float own[2 * kGroupFloats];
-  // Half of the columns go through the work buffer, if there is one and an allocator has aligned it.
-  const Groups groups = {work != nullptr && isAligned(work, 16) ? work : own + kGroupFloats, own};
   const Split split = splitOf(spec.order - 1);
   const std::size_t side = std::size_t{1} << split.side;
   const std::size_t row = side << split.middle;
+  // Half of the columns go through the work buffer, if they fit and an allocator has aligned it.
+  const bool inWork = work != nullptr && isAligned(work, 16) &&
+                      side * kLaneFloats * sizeof(float) <= static_cast<std::size_t>(spec.workBufSize);
+  const Groups groups = {inWork ? work : own + kGroupFloats, own};
+  const bool inPlace = src.values == dst;
   const ColumnTransform sides = {split.side, spec.radix4Twiddles, spec.bitRevTable};
   const ColumnTransform middle = {split.middle, spec.blockTwiddles, spec.bitRevTable + side};
 
-  if (src == dst) exchangeOuterDigits(dst, split);
+  if (inPlace) exchangeOuterDigits(dst, split);
   for (std::size_t n0 = 0; n0 < side; n0 += kColumns) {
     float *rows = dst + 2 * n0 * row;
     for (std::size_t at = 0; at < row; at += side) {
-      if (src == dst) {
+      if (inPlace) {
         loadRows(rows + 2 * at, 2 * row, side, groups.first);
         loadRows(rows + 2 * (4 * row + at), 2 * row, side, groups.second);
       } else {
-        loadColumns(src + 2 * (at + n0), 2 * row, side, groups);
+        loadColumns(src, 2 * (at + n0), 2 * row, side, groups);
       }
       groups.transform(sides.order, sides.twiddles);
       storeRows(groups.first, sides.positions, side, rows + 2 * at, 2 * row);
@@ -159,9 +180,11 @@ void transform(const OrvRealFftState32f &spec, const float *src, float *dst, flo
     }
     if (split.middle > 0)
       for (std::size_t i = 0; i < kColumns; ++i)
-        columnStep(rows + 2 * i * row, 2 * side, middle, spec.levelStepTwiddles[1], groups, AsTheyAre{});
+        columnStep(rows + 2 * i * row, 2 * side, middle, spec.levelStepTwiddles[1], groups, row / side,
+                   AsTheyAre{});
   }
-  columnStep(dst, 2 * row, sides, spec.levelStepTwiddles[0], groups, finish);
+  columnStep(dst, 2 * row, sides, spec.levelStepTwiddles[0], groups, (wanted + 2 * row - 1) / (2 * row),
+             finish);
 }
 
 // In the order in which columnStep reads them: W^(row column) for groups of eight columns. The table of the
@@ -272,7 +295,7 @@ void buildLargeTables(const TablePointers &tables, std::int32_t order, const Uni
 Ends largeForward(const OrvRealFftState32f &spec, const float *src, float *dst, float *bin1, float factor,
                   float *work) {
   const std::size_t len = std::size_t{1} << spec.order;
-  transform(spec, src, dst, work, AsTheyAre{});
+  transform(spec, {src, len}, dst, len, work, AsTheyAre{});
   const Bin zero = loadBin(dst);
   const Bin middle = loadBin(dst + len / 2);
   if (bin1 != dst + 2) std::memmove(bin1, dst + 2, (len - 2) * sizeof(float));
@@ -300,7 +323,36 @@ void largeInverse(const OrvRealFftState32f &spec, const float *packed, float *ds
   recombineBins<Direction::inverse>(spec, bin1, dst + 2, Exchanged{});
   storeBin(dst, {0.5F * (first - last), 0.5F * (first + last)});
   storeBin(dst + len / 2, {-middle.im, middle.re});
-  transform(spec, dst, dst, work, ExchangedTimes{simd::splat4(2 * factor)});
+  transform(spec, {dst, len}, dst, len, work, ExchangedTimes{simd::splat4(2 * factor)});
+}
+
+// The spectrum is formed pair by pair between the two transforms, from points to points: see recombine(). All
+// imaginary parts of the power are 0. Bins 0 and M, of point 0 alone, are no exception: it is its own pair.
+void largeLags(const OrvRealFftState32f &spec, const float *src, std::size_t srcLen, float *array,
+               std::size_t count, float *work) {
+  const std::size_t len = std::size_t{1} << spec.order;
+  transform(spec, {src, srcLen}, array, len, work, AsTheyAre{});
+  const float *factors = spec.realRecTwiddles;
+  const auto four = [&](float *lowPoints, float *highPoints) {
+    const Complex4 w = loadLanes(factors);
+    Complex4 low = loadInterleaved(lowPoints), high = loadReversed(highPoints);
+    recombine<Direction::forward>(low, high, w);
+    const simd::f32x4 p = norm(low), q = norm(high);
+    const simd::f32x4 u = w.im * (p - q), v = w.re * (p - q);
+    storeInterleaved(lowPoints, {v, q + u});  // exchanged
+    storeReversed(highPoints, {v, p - u});
+    factors += kLaneFloats;
+  };
+  const Bin middle = loadBin(array + len / 2);
+  float high[8];
+  std::memcpy(high, array + len - 6, 6 * sizeof(float));
+  std::memcpy(high + 6, array, 2 * sizeof(float));
+  four(array, high);
+  std::memcpy(array + len - 6, high, 6 * sizeof(float));
+  for (std::size_t at = 8; at < len / 2; at += 8) four(array + at, array + len - 6 - at);
+  storeBin(array + len / 2, {0, middle.re * middle.re + middle.im * middle.im});
+  const float factor = spec.scaleInv != 0 ? spec.normFactor : 1.0F;
+  transform(spec, {array, len}, array, count, work, ExchangedTimes{simd::splat4(2 * factor)});
 }
 
 }  // namespace orv::fft

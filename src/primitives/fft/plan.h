@@ -12,13 +12,12 @@ constexpr bool isLarge(std::int32_t order) { return order > kMaxRealOrder; }
 
 constexpr std::int32_t kMaxLaneOrder = 9;
 
-// log2 of H and B, see large.cpp. One group of lanes of H elements fits the work buffer.
+// log2 of H and B, see large.cpp.
 struct Split {
   std::int32_t side, middle;
 };
 constexpr Split splitOf(std::int32_t complexOrder) {
-  std::int32_t side = std::min(complexOrder / 2, kMaxLaneOrder);
-  if (blockOrder(complexOrder) != 0) side = std::min(side, blockOrder(complexOrder));
+  const std::int32_t side = std::min(complexOrder / 2, kMaxLaneOrder);
   return {side, complexOrder - 2 * side};
 }
 
@@ -83,6 +82,10 @@ Ends largeForward(const OrvRealFftState32f &spec, const float *src, float *dst, 
                   float *work);
 // The bins are packed, and may be in dst.
 void largeInverse(const OrvRealFftState32f &spec, const float *packed, float *dst, float factor, float *work);
+// The inverse transform of the power spectrum of src[] and the zeros that follow it: its first `count`
+// values, at the head of array[0 .. N-1], with the object's scale of the inverse.
+void largeLags(const OrvRealFftState32f &spec, const float *src, std::size_t srcLen, float *array,
+               std::size_t count, float *work);
 
 }  // namespace orv::fft
 
