@@ -23,7 +23,7 @@ constexpr float ONE_OVER_SQRTN[17] = {0,
                                       0.577350269F,
                                       0.5F,
                                       0.447213595F,
-                                      0.40824829F,
+                                      0.40824829046F,  // a hair above the middle of two single values
                                       0.377964473F,
                                       0.353553391F,
                                       0.333333333F,

@@ -191,8 +191,7 @@ class Warp {
 // All counts in 64 bits: what a 32-bit length cannot express cannot be allocated.
 template <class T>
 T *allocateElements(std::int64_t count) {
-  return static_cast<T *>(static_cast<void *>(
-      allocateBytes(count > INT32_MAX ? INT64_MAX : count * static_cast<std::int64_t>(sizeof(T)))));
+  return count > INT32_MAX ? nullptr : allocate<T>(static_cast<std::int32_t>(count));
 }
 
 OrvStatus warp(Sequence a, Sequence b, std::int32_t width, float *dist, std::int32_t delta, float beta) {

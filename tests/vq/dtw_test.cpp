@@ -175,6 +175,13 @@ TEST(DynamicTimeWarping, AllocatesBeyondItsStackAndReportsFailureByForm) {
               EXPECT_EQ(result, n < 3 ? -3 : n == 3 ? INT32_MAX : 0);
             }),
             4);
+  // A length counts elements: the bytes of a copy may go beyond 32 bits.
+  const std::int16_t *row = shorts.data();
+  Allocations allocations;
+  allocations.failAt(1);
+  std::int32_t result = -3;
+  EXPECT_EQ(orvsDTW_L2Low_16s32s_D2LSfs(&row, 1, &row, 1, 1 << 30, &result, -1, 1, 0), orvStsMemAllocErr);
+  EXPECT_EQ(allocations.sizes(), (std::vector<std::size_t>{16, std::size_t{1} << 32}));
 }
 
 TEST(DynamicTimeWarping, ChecksPointersThenSizes) {
