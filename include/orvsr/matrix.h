@@ -453,10 +453,10 @@ ORV_API OrvStatus orvsMatVecMul_32s_D2LSfs(const int32_t *const *ppMat, const in
  *
  * of a height x width matrix, by Householder reduction to bidiagonal form and implicitly shifted QR
  * iteration. U is height x width and takes the place of A in the in-place forms, W has width values, none
- * negative, V is width x width and not transposed. Where the height is below the width the values beyond it
- * are 0. The plain forms leave the values in no special order; the Sort forms order them descending, and the
- * columns of U and V with them, by selection: the largest value, the first of equals, changes places with the
- * next.
+ * negative, V is width x width and not transposed. Where the height is below the width, width - height of the
+ * values are 0 up to rounding, and the columns of U that belong to them are no part of an orthonormal set.
+ * The plain forms leave the values in no special order; the Sort forms order them descending, and the columns
+ * of U and V with them, by selection: the largest value, the first of equals, changes places with the next.
  *
  * Arguments:
  * - pSrc, pDstU, pDstV with step: matrices in one array each, all with a row every step elements (step >=
@@ -469,8 +469,8 @@ ORV_API OrvStatus orvsMatVecMul_32s_D2LSfs(const int32_t *const *ppMat, const in
  * A stay in the results.
  *
  * Statuses: orvStsNullPtrErr, orvStsSizeErr (height, width or iterations below 1, step below width),
- * orvStsMemAllocErr (two copies of the matrices are worked on), orvStsSvdConvergeErr (U, W and V hold what
- * was reached), orvStsNoErr.
+ * orvStsMemAllocErr (copies of U and V are worked on; the forms that are not in place have copied A to U by
+ * then), orvStsSvdConvergeErr (U, W and V hold what was reached), orvStsNoErr.
  *
  * Source of the method: G. Golub and C. Reinsch, Singular value decomposition and least squares solutions,
  * Numerische Mathematik 14 (1970).

@@ -40,7 +40,7 @@ extern "C" {
  *
  * Where the arrays do not overlap and pMean lies on a multiple of 4 bytes, elements are divided one by one
  * until pMean stands on a 16-byte boundary; then, eight at a time, multiplied by an approximate reciprocal of
- * the occupation (relative error below 2^-22); and the rest divided again. Everything is divided otherwise.
+ * the occupation (relative error about 2^-22); and the rest divided again. Everything is divided otherwise.
  * So the last bits of an element may depend on its place.
  *
  * @param pAcc        mean accumulator, len values
@@ -151,9 +151,9 @@ ORV_API OrvStatus orvsUpdateWeight_64f(const double *pAcc, double *pDst, int32_t
  *
  *     *pGConst = len * 1.8378770664093 - sum over i of ln(pInvVar[i])     i = 0 .. len - 1
  *
- * that is len * ln(2 pi) + ln of the determinant of the covariance. Each logarithm is taken in double and
- * rounded to 32f; the rest is 32f, in the order of the index. The constant is ln(2 pi) cut to 14 digits, and
- * kept so.
+ * that is len * ln(2 pi) + ln of the determinant of the covariance. The product and each logarithm are taken
+ * in double and rounded to 32f; the sum is 32f, in the order of the index. The constant is ln(2 pi) cut to 14
+ * digits, and kept so.
  *
  * The elements are tested in order before: the first one that is not above the smallest normal number
  * decides. Zero or not normal makes the result plus infinity; negative makes it NaN. A NaN among the elements

@@ -349,13 +349,20 @@ class Decomposition {
     }
   }
 
+  // The start of a sweep. Its products are formed of values that are brought down where they are very large;
+  // the factor is a power of two, so that this rounds nothing.
+  double shift(std::int32_t l, std::int32_t k) const {
+    const double unit = anorm_ > 0x1p300 ? 0x1p-700 : 1;
+    const double x = w(l) * unit, y = w(k - 1) * unit, z = w(k) * unit;
+    const double g = superDiagonal_[k - 1] * unit, h = superDiagonal_[k] * unit;
+    const double f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2 * h * y);
+    return ((x - z) * (x + z) + h * (y / (f + withSignOf(_sqrSumSqrt(f, 1), f)) - h)) / x / unit;
+  }
+
   // One QR sweep over l .. k with the shift from the bottom 2 x 2 minor. The rotations of U and V are applied
   // at its end, in their order: the sweep itself looks at neither.
   void sweep(std::int32_t l, std::int32_t k) {
-    double x = w(l), y = w(k - 1), z = w(k), g = superDiagonal_[k - 1], h = superDiagonal_[k];
-    double f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2 * h * y);
-    g = _sqrSumSqrt(f, 1);
-    f = ((x - z) * (x + z) + h * (y / (f + withSignOf(g, f)) - h)) / x;
+    double x = w(l), y, z, g, h, f = shift(l, k);
     Rotation *right = rotations_, *left = rotations_ + n_;
     double c = 1, s = 1;
     for (std::int32_t j = l; j < k; ++j) {
@@ -448,8 +455,9 @@ bool sortValues(double *w, std::int32_t n, const WorkArray<double> &copy,
   return true;
 }
 
-// The power of two that brings a matrix of very large or very small values, the squares of which would leave
-// the range, to about 1; otherwise 1. Scaling by it is exact, so that it changes nothing else.
+// The power of two that brings a matrix of very small values, whose squares and reciprocals would leave the
+// range, to about 1, and one of very large values as far down as its sums and shifts need; otherwise 1. Up it
+// is exact, and down it is so for all but the values that are nothing beside the largest.
 template <class Matrix>
 double balance(const Matrix &matrix, std::int32_t height, std::int32_t width) {
   double most = 0;
@@ -458,7 +466,8 @@ double balance(const Matrix &matrix, std::int32_t height, std::int32_t width) {
       const double x = std::fabs(load(matrix.row(r) + c));
       most = x > most ? x : most;
     }
-  if (most == 0 || std::isinf(most) || (most < 0x1p300 && most > 0x1p-300)) return 1;
+  if (most == 0 || std::isinf(most) || (most < 0x1p900 && most > 0x1p-300)) return 1;
+  if (most >= 0x1p900) return 0x1p-124;
   int exponent;
   std::frexp(most, &exponent);
   return std::ldexp(1.0, exponent < -1000 ? 1000 : -exponent);

@@ -139,6 +139,16 @@ TEST(SingularValues, RebuildEveryKindOfMatrix) {
     }
 }
 
+// What is done against overflow leaves small values beside very large ones as they are.
+TEST(SingularValues, KeepSmallValuesBesideLargeOnes) {
+  for (int form = 0; form < 4; ++form) {
+    EXPECT_EQ(decompose({1e300, 0, 0, 1e-200}, 2, 2, form, 1).w, (Doubles{1e300, 1e-200}));
+    const Result huge = decompose({3e307, 4e307, 1e307, 2e307}, 2, 2, form);
+    EXPECT_EQ(huge.status, orvStsNoErr);
+    EXPECT_NEAR(std::hypot(huge.w[0] / 1e307, huge.w[1] / 1e307), std::sqrt(30.0), 1e-13);
+  }
+}
+
 TEST(SingularValues, HaveTheirSigns) {
   for (int form = 0; form < 8; ++form) {
     const Result minus = decompose({-3}, 1, 1, form), plus = decompose({3}, 1, 1, form);
