@@ -30,8 +30,9 @@ extern "C" {
  * - pResult: one value, written on success only.
  * - gconst: additive constant of the Gaussian: the log of its mixture weight less half of the constant that
  *   orvsUpdateGConst_32f() computes.
- * - scaleFactor: of the integer forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in
- *   the Sfs forms and before it in the Scaled forms.
+ * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in the
+ *   Sfs forms and before it in the Scaled forms. The count of a shift is taken modulo 64; a power of two is
+ *   infinite from 2^128 on, and zero below 2^-149.
  *
  * Half of the sum is subtracted from gconst at the very end, so these scores may differ in their last bits
  * from those of @ref loggauss, whose constant enters the sum. The 32f and 64f sums are grouped by the
@@ -267,20 +268,21 @@ ORV_API OrvStatus orvsLogGaussSingle_BlockDVarScaled_16s32f(const int16_t *pSrc,
  * - pSrc, step: frames rows of featLen values, a row every step elements (step >= featLen); or ppSrc: frames
  *   pointers to rows of featLen values, which are not tested for null.
  * - pMean: featLen means.
- * - pVar: featLen inverse variances; they are not tested, and a negative one or a NaN flows through. The IdVar forms
- *   take all variances as 1 and have no such argument.
+ * - pVar: featLen inverse variances; they are not tested, and a negative one or a NaN flows through. The
+ *   IdVar forms take all variances as 1 and have no such argument.
  * - featLen: values in a frame, 1 or more.
  * - pResult: frames scores, written.
  * - frames: number of frames, 1 or more.
  * - gconst: additive constant of the Gaussian: the log of its mixture weight less half of the constant that
  *   orvsUpdateGConst_32f() computes.
- * - scaleFactor: of the integer forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in the Sfs
- *   forms and before it in the Scaled forms.
+ * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in the
+ *   Sfs forms and before it in the Scaled forms. The count of a shift is taken modulo 64; a power of two is
+ *   infinite from 2^128 on, and zero below 2^-149.
  *
- * The 32f and 64f forms double gconst, subtract the terms from it and halve the result, all in their own type.
- * Frames are taken in groups of four, then one by one; the grouping of a sum depends on the alignment of the
- * group's fourth row (_D2) or of pVar (_D2L, and frames left over; pMean in the IdVar forms), so the score of a frame
- * may differ in its last bits by its place in the block. Saturation is silent.
+ * The 32f and 64f forms double gconst, subtract the terms from it and halve the result, all in their own
+ * type. Frames are taken in groups of four, then one by one; the grouping of a sum depends on the alignment
+ * of the group's fourth row (_D2) or of pVar (_D2L, and frames left over; pMean in the IdVar forms), so the
+ * score of a frame may differ in its last bits by its place in the block. Saturation is silent.
  *
  * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
  * @{
@@ -928,7 +930,8 @@ ORV_API OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2L(const int16_t *const
  * - len, featLen: values in a vector, 1 or more.
  * - pResult: one distance, or one for each row, written.
  * - frames, count: number of rows, 1 or more.
- * - scaleFactor: of the integer form, any value.
+ * - scaleFactor: of the integer form, any value: 2^-scaleFactor scales the sum; the count of the shift is
+ *   taken modulo 64.
  *
  * The 32f and 64f sums are grouped as in @ref loggausssingle and @ref loggauss. The deciding pointer of the
  * MahDistMultiMix functions is the fourth row of inverse variances of a group of four, and the row's own in
@@ -1047,16 +1050,16 @@ ORV_API OrvStatus orvsMahDistMultiMix_64f_D2L(const double *const *ppMean, const
  *     *pResult = log(sum over m of exp(score[m]))                                  m = 0 .. nMix - 1
  *     score[m] = pGConst[m] - 1/2 * sum over j of (pSrc[j] - mean[m][j])^2 * var[m][j]
  *
- * The components are taken strictly in order. The score of component 0 starts the running value; each further score is
- * folded in by accurate log-addition (see @ref logadd), in the type of the result: a term that lies further below
- * the other than the drop threshold is left out, and only then is the running value raised to the floor (-4.5e6; for
- * 64f, -1e10 below -9e9). So a mixture of one component is never floored.
+ * The components are taken strictly in order. The score of component 0 starts the running value; each further
+ * score is folded in by accurate log-addition (see @ref logadd), in the type of the result: a term that lies
+ * further below the other than the drop threshold is left out, and only then is the running value raised to
+ * the floor (-4.5e6; for 64f, -1e10 below -9e9). So a mixture of one component is never floored.
  *
  * Arguments:
  * - pSrc: the vector, featLen values.
  * - pMean, pVar, step: nMix rows of means and of inverse variances, a row of either every step elements
- *   (step >= featLen); or ppMean, ppVar: nMix pointers each to rows of featLen values, not tested for null. Inverse
- *   variances are not tested. The IdVar forms take all variances as 1 and have no such argument.
+ *   (step >= featLen); or ppMean, ppVar: nMix pointers each to rows of featLen values, not tested for null.
+ *   Inverse variances are not tested. The IdVar forms take all variances as 1 and have no such argument.
  * - nMix: number of components, 1 or more.
  * - featLen: values in a vector, 1 or more.
  * - pGConst: nMix additive constants, each the log of the component's weight less half of the constant that
@@ -1065,8 +1068,8 @@ ORV_API OrvStatus orvsMahDistMultiMix_64f_D2L(const double *const *ppMean, const
  * - scaleFactor: of the 16s forms, any value.
  *
  * A component's sum is formed as in @ref loggauss, in groups of four components; the deciding pointer is the
- * fourth variance row of a group and the own variance row of a component left over (mean rows in the IdVar forms), or
- * pSrc with row pointers.
+ * fourth variance row of a group and the own variance row of a component left over (mean rows in the IdVar
+ * forms), or pSrc with row pointers.
  *
  * Source of the method: L. Rabiner and B.-H. Juang, Fundamentals of Speech Recognition, 1993, section 6.6.
  * @{
@@ -1237,13 +1240,13 @@ ORV_API OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2L(const int16_t *p
  * Arguments:
  * - pMean, pVar, step: count rows of means and of inverse variances, a row of either every step elements
  *   (step >= featLen); or ppMean, ppVar: count pointers each to rows of featLen values, not tested for null.
- * Inverse variances are not tested: a negative one or a NaN flows through.
+ *   Inverse variances are not tested: a negative one or a NaN flows through.
  * - pSrc: the vector, featLen values.
  * - featLen: values in a vector, 1 or more.
  * - pSrcDst: count values, read and written: the additive constant of each Gaussian (the log of its mixture
- * weight less half of the constant that orvsUpdateGConst_32f() computes), replaced by its score.
+ *   weight less half of the constant that orvsUpdateGConst_32f() computes), replaced by its score.
  * - count: number of Gaussians, 1 or more.
- * - scaleFactor: of the integer and 16s forms, any value: 2^-scaleFactor scales the sum.
+ * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum, as in @ref loggauss.
  *
  * Gaussians are taken in groups of four, then one by one, and sums are formed as in @ref loggauss; the
  * deciding pointer is the fourth variance row of a group (pSrc with row pointers), and the own variance row
@@ -1378,19 +1381,18 @@ ORV_API OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2L(const int16_t *const
  *
  * with the scores of @ref loggaussmultimix and the additive constants in an array of their own. A NaN score
  * leaves pSrcDst[m] as it is. The integer members shift the negated sum, which rounds the score down, where
- * those of
- * @ref loggaussmultimix round it up.
+ * those of @ref loggaussmultimix round it up.
  *
  * Arguments:
  * - pMean, pVar, step: count rows of means and of inverse variances, a row of either every step elements
  *   (step >= featLen); or ppMean, ppVar: count pointers each to rows of featLen values, not tested for null.
- * Inverse variances are not tested: a negative one or a NaN flows through.
+ *   Inverse variances are not tested: a negative one or a NaN flows through.
  * - pSrc: the vector, featLen values.
  * - featLen: values in a vector, 1 or more.
  * - pGConst: count additive constants.
  * - pSrcDst: count running maxima, read and written.
  * - count: number of Gaussians, 1 or more.
- * - scaleFactor: of the integer and 16s forms, any value: 2^-scaleFactor scales the sum.
+ * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum, as in @ref loggauss.
  *
  * The Scaled and LowScaled members with a row step test the stride last, all others with a row step test it
  * first.
@@ -1538,7 +1540,7 @@ ORV_API OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2L(const int16_t *co
  * Arguments:
  * - pMean, pVar, step: count rows of means and of inverse variances, a row of either every step elements
  *   (step >= featLen); or ppMean, ppVar: count pointers each to rows of featLen values, not tested for null.
- * Inverse variances are not tested: a negative one or a NaN flows through.
+ *   Inverse variances are not tested: a negative one or a NaN flows through.
  * - pSrc: the vector, featLen values.
  * - featLen: values in a vector, 1 or more.
  * - pGConst: count additive constants.
@@ -1636,8 +1638,8 @@ ORV_API OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t *co
 /**
  * @defgroup loggaussselect Scores of frames under the selected Gaussians of a mixture
  *
- *     pResult[f] = log(sum over the selected m of exp(score[f][m]))       f = 0 .. frames - 1,  m = 0 .. nMix
- * - 1 score[f][m] = pGConst[m] - 1/2 * sum over j of (x[f][j] - mean[m][j])^2 * var[m][j]
+ *     pResult[f] = log(sum over the selected m of exp(score[f][m]))                 f = 0 .. frames - 1
+ *     score[f][m] = pGConst[m] - 1/2 * sum over j of (x[f][j] - mean[m][j])^2 * var[m][j]
  *
  * A shortlist says which Gaussians are worth scoring on each frame: m is selected on frame f if bit m of row
  * f is set. Scores are those of orvsLogGaussSingle_32f() and its kin. On each frame the selected Gaussians
@@ -1648,13 +1650,13 @@ ORV_API OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t *co
  *
  * Arguments:
  * - pSrc, pMean, pVar, step: frames rows of featLen values, and nMix rows of means and of inverse variances,
- * a row of any of them every step elements (step >= featLen); or ppSrc, ppMean, ppVar: as many pointers to
- * rows of featLen values, every one of which is tested for null. The IdVar forms take all variances as 1 and
- * have no such argument.
+ *   a row of any of them every step elements (step >= featLen); or ppSrc, ppMean, ppVar: as many pointers to
+ *   rows of featLen values, every one of which is tested for null. The IdVar forms take all variances as 1
+ *   and have no such argument.
  * - featLen: values in a frame, 1 or more.
  * - pGConst: nMix additive constants.
- * - pBits: the shortlist: frames rows of (nMix + 7) / 8 bytes, one behind the other; Gaussian m is bit 128 >>
- * m % 8 of byte m / 8. Bits from nMix on do not matter.
+ * - pBits: the shortlist: frames rows of (nMix + 7) / 8 bytes, one behind the other; Gaussian m is bit
+ *   128 >> m % 8 of byte m / 8. Bits from nMix on do not matter.
  * - nMix: number of Gaussians, 1 or more.
  * - pResult: frames scores, written. Only orvsLogGaussMixture_Select_32f_D2() tests it for null.
  * - frames: number of frames, 1 or more.
@@ -1837,9 +1839,10 @@ ORV_API OrvStatus orvsBuildSignTable_8u1u(const uint8_t *pIndices, int32_t perRo
  * Each output row is one flag: the first bit of row r tells whether any of the bits bitOffset .. bitOffset +
  * bits - 1 is set in any of the table rows that the first pCounts[r] entries of pIndices number; all other
  * bits are 0. Every row reads the list from its first entry, though the row numbers of as many entries as all
- * counts together are tested. Other arguments as in orvsBuildSignTable_8u1u(). orvStsNullPtrErr,
- * orvStsSizeErr (tableRows, rowBytes, bits or rows below 1, bitOffset below 0, then a count below 1),
- * orvStsStrideErr (rowBytes too small), orvStsBadArgErr (a row number out of range), orvStsNoErr.
+ * counts together are tested; table rows that only entries beyond the greatest count number are not read.
+ * Other arguments as in orvsBuildSignTable_8u1u(). orvStsNullPtrErr, orvStsSizeErr (tableRows, rowBytes, bits
+ * or rows below 1, bitOffset below 0, then a count below 1), orvStsStrideErr (rowBytes too small),
+ * orvStsBadArgErr (a row number out of range), orvStsNoErr.
  */
 ORV_API OrvStatus orvsBuildSignTable_Var_8u1u(const uint8_t *pIndices, const int32_t *pCounts,
                                               const uint8_t *const *ppTable, int32_t tableRows,

@@ -1,6 +1,8 @@
 // orvsFillShortlist_*, orvsBuildSignTable_*: bit rows from lists of indices. The first bit of a row is the
 // most significant bit of its first byte.
 
+#include <algorithm>
+
 #include "gauss/checks.h"
 #include "orvsr/gauss.h"
 #include "primitives/memory.h"
@@ -162,13 +164,15 @@ OrvStatus orvsBuildSignTable_Var_8u1u(const uint8_t *pIndices, const int32_t *pC
   if (tableRows < 1 || rowBytes < 1 || bits < 1 || rows < 1 || bitOffset < 0) return orvStsSizeErr;
   if (!allPositive(pCounts, rows)) return orvStsSizeErr;
   if (!fits(rowBytes, bitOffset, bits)) return orvStsStrideErr;
-  const std::int64_t total = sumOf(pCounts, rows);
-  if (!allBelow(tableRows, pIndices, total)) return orvStsBadArgErr;
+  if (!allBelow(tableRows, pIndices, sumOf(pCounts, rows))) return orvStsBadArgErr;
   const std::size_t dstBytes = bytesOf(bits);
   ownsZero_8u(pDst, static_cast<std::size_t>(rows) * dstBytes);
-  // All rows read the same list: its first entry with a bit set decides for each.
-  std::int64_t firstHit = 0;
-  while (firstHit < total && !anyBit(ppTable[pIndices[firstHit]], bitOffset, bits)) ++firstHit;
+  // All rows read the same list, none beyond the greatest count: its first entry with a bit set decides for
+  // each.
+  std::int32_t most = 0;
+  for (std::int32_t r = 0; r < rows; ++r) most = std::max(most, load(pCounts + r));
+  std::int32_t firstHit = 0;
+  while (firstHit < most && !anyBit(ppTable[pIndices[firstHit]], bitOffset, bits)) ++firstHit;
   for (std::int32_t r = 0; r < rows; ++r, pDst += dstBytes)
     if (load(pCounts + r) > firstHit) *pDst = 128;
   return orvStsNoErr;
