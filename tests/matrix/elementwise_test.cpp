@@ -60,6 +60,15 @@ TEST(ReciprocalRoot, PutsTheFloorItselfWhereAnElementIsBelowIt) {
   EXPECT_TRUE(std::isnan(x[4]));
   EXPECT_EQ(orvsRecSqrt_32f(low, 2, 3), orvStsDegenerateDataWrn);
   EXPECT_TRUE(std::ranges::equal(low, std::vector<float>{3, 3}));
+  // One element that is not below the floor takes the warning away, wherever it stands; a NaN is such a one.
+  for (std::size_t len = 1; len <= 9; ++len)
+    for (std::size_t kept = 0; kept <= len; ++kept) {
+      Guarded<float> values(std::vector<float>(len, 2), len);
+      if (kept < len) values.set(kept, kept % 2 == 0 ? 3 : NAN);
+      EXPECT_EQ(orvsRecSqrt_32f(values.data(), values.len(), 3),
+                kept < len ? orvStsNoErr : orvStsDegenerateDataWrn);
+      for (std::size_t i = 0; i < len; ++i) EXPECT_EQ(values.at(i) == 3, i != kept) << len << ' ' << i;
+    }
   Random random(1);
   for (const float v : uniform<float>(random, 2000, 1e-3, 1e6)) {
     float y = v;
