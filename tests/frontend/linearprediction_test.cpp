@@ -91,6 +91,20 @@ TEST(DurbinAndSchur, DivideOnWhatEachLooksAt) {
   EXPECT_EQ(a[0], -0.5F);
   EXPECT_EQ(a[1], 7);
   EXPECT_EQ(e, 9);
+  // Only at orders 9 to 12 have the stages 2 to 4 stored their own coefficient, here -2, when they fail.
+  for (const int order : {8, 9, 12, 13})
+    for (const int stage : {1, 2, 4, 5}) {
+      std::vector<float> r(14), left(13, 7);
+      r[0] = 1;
+      r[static_cast<std::size_t>(stage)] = 2;
+      EXPECT_EQ(orvsDurbin_32f(r.data(), left.data(), order, &e), orvStsDurbinErr);
+      const bool stored = order >= 9 && order <= 12 && stage >= 2 && stage <= 4;
+      for (int i = 0; i < 13; ++i)
+        EXPECT_EQ(left[static_cast<std::size_t>(i)], i < stage - 1              ? 0
+                                                     : i == stage - 1 && stored ? -2
+                                                                                : 7)
+            << order << ' ' << stage << ' ' << i;
+    }
   EXPECT_EQ(orvsDurbin_32f(second, a, 1, &e), orvStsNoErr);
   EXPECT_EQ(e, 3);
   EXPECT_EQ(orvsSchur_32f(perfect, a, 1, &e), orvStsNoErr);
@@ -253,6 +267,14 @@ TEST(LinearPrediction, ChecksItsArgumentsAndItsMemory) {
                           call < wanted ? orvStsMemAllocErr : orvStsNoErr);
               }),
               blocks);
+  // The signs flip after the recursion alone: not if there was no memory for its input.
+  EXPECT_EQ(failEachAllocation([&](int call) {
+              float left[64] = {7};
+              const OrvStatus status = orvsLinearPredictionNeg_Auto_32f(x.data(), 100, left, 64);
+              EXPECT_EQ(status, call < 2 ? orvStsMemAllocErr : orvStsNoErr);
+              EXPECT_TRUE(call == 0 ? left[0] == 7 : call > 1 || left[0] == -7);
+            }),
+            2);
   for (const auto &[order, blocks] : {std::pair{1023, 0}, {1024, 3}})
     EXPECT_EQ(failEachAllocation([&, wanted = blocks, n = order](int call) {
                 EXPECT_EQ(orvsSchur_32f(x.data(), y.data(), n, &e),
