@@ -1012,10 +1012,12 @@ ORV_API OrvStatus orvsCopyColumn_16s_D2(const int16_t *pSrc, int32_t width, int1
  *
  * Log energies e of the frames of an utterance, in place, one every step elements:
  *
- *     floor   = max - silenceFloor * 0.230259                  (0.230259 = ln(10) / 10: the floor is in
- * decibels) e[i]    = 1 - (max - larger of e[i] and floor) * scale            32f e[i]    = valueAtMax - (max
- * - larger of e[i] and floor) * scale   16s, in single, saturated and truncated
+ *     floor = max - silenceFloor * 0.230259
+ *     e[i]  = 1 - (max - larger of e[i] and floor) * scale             32f
+ *     e[i]  = valueAtMax - (max - larger of e[i] and floor) * scale    16s
  *
+ * all in single; the 16s result is saturated, then truncated toward zero. 0.230259 is ln(10) / 10, so
+ * silenceFloor is in decibels.
  * max is the largest energy of the column, or maxEnergy in the RT forms, for callers that cannot wait for the
  * end.
  *
@@ -1085,8 +1087,8 @@ ORV_API OrvStatus orvsZeroMean_16s(int16_t *pSrcDst, int32_t len);
  *
  * - 32f: in single.
  * - 16s: the first sample in single, saturated, truncated toward zero. The others, for val from -1 to 1, in
- * integers with trunc(val * 4096) and an arithmetic shift; for other val in single, saturated and rounded,
- * halves away from zero.
+ *   integers with trunc(val * 4096) and an arithmetic shift; for other val in single, saturated and rounded,
+ *   halves away from zero.
  * - Q15: val / 32768 in 64 bits, divided toward zero and saturated; len up to 65535, val not negative.
  *
  * Statuses: orvStsNullPtrErr, orvStsSizeErr (len below 1, in the Q15 forms above 65535), orvStsBadArgErr (Q15
@@ -1166,9 +1168,9 @@ ORV_API OrvStatus orvsUnitCurve_16s_ISfs(int16_t *pSrcDst, int32_t srcShift, int
 /**
  * @defgroup normalizeinrange Range normalisation
  *
- *     low  = min + lowerRatio * (max - min),   high = upperRatio * (max - min) + min
- *     y[i] = larger of 0 and (smaller of high and x[i]) - low, times range / (upperRatio * (max - min) -
- * lowerRatio * (max - min))
+ *     w    = max - min,   low = min + lowerRatio * w,   high = upperRatio * w + min
+ *     y[i] = (larger of 0 and ((smaller of high and x[i]) - low)) * scale
+ *     scale = range / (upperRatio * w - lowerRatio * w)
  *
  * in single: what lies below the lower ratio of the way from min to max becomes 0, what lies above the upper
  * one becomes range. Integer outputs truncate toward zero. min and max are those of the source, or the
@@ -1239,15 +1241,16 @@ ORV_API OrvStatus orvsNormalizeInRangeMinMax_16s_I(int16_t *pSrcDst, int32_t len
  * A(z) = 1 + a[1] z^-1 + ... + a[order] z^-order (a[1] is negative for a signal that is positively
  * correlated), without the leading 1, and the energy of the prediction error:
  *
- *     k = (R[m] + sum over j = 1 .. m - 1 of R[m - j] a[j]) / e,   a'[i] = a[i] - k a[m - i],   a'[m] = -k,
- * e' = e (1 - k^2)
+ *     k = (R[m] + sum over j = 1 .. m - 1 of R[m - j] a[j]) / e,   e' = e (1 - k^2)
+ *     a'[i] = a[i] - k a[m - i],   a'[m] = -k
  *
  * in single. The 16s form converts R to single and the coefficients back, rounded to nearest (ties to even),
  * scaled by 2^-scaleFactor and saturated.
  *
  * Statuses: orvStsNullPtrErr (pSrc or pDst), orvStsSizeErr (order below 1), orvStsNullPtrErr (pErr),
  * orvStsDurbinErr (R[0] or an error energy is not above 0: in the 32f form pDst then holds the coefficients
- * of the last order that was completed, in the 16s form it is as before; *pErr is as before),
+ * of the last order that was completed - and at order 9 to 12, where stage 2, 3 or 4 fails, also the
+ * coefficient a'[m] of that stage - in the 16s form it is as before; *pErr is as before),
  * orvStsMemAllocErr (orders from 64 on take working memory), orvStsNoErr.
  *
  * Source of the method: N. Levinson, 1947; J. Durbin, 1960; see J. Makhoul, Linear prediction: a tutorial
@@ -1268,8 +1271,8 @@ ORV_API OrvStatus orvsDurbin_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t
  * From the autocorrelation R[0] .. R[order] the reflection coefficients k[1] .. k[order] and the energy of
  * the prediction error, in single, without the coefficients themselves:
  *
- *     g[i] = R[i - 1], p[i] = R[i];   k[m] = -p[m] / g[m];   p'[i] = k[m] g[i] + p[i],  g'[i] = k[m] p[i - 1]
- * + g[i - 1]
+ *     g[i] = R[i - 1],   p[i] = R[i]
+ *     k[m] = -p[m] / g[m],   p'[i] = k[m] g[i] + p[i],   g'[i] = k[m] p[i - 1] + g[i - 1]
  *
  * Nothing tests the divisors: a zero gives infinities, and success. The 16s form rounds its results to
  * nearest (ties to even), scaled by 2^-scaleFactor and saturated.
@@ -1294,7 +1297,7 @@ ORV_API OrvStatus orvsSchur_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t 
  *
  * Auto: the autocorrelation of the len samples (no window is applied), then the Levinson-Durbin recursion.
  * The plain forms give the coefficients of the error filter, the Neg forms those of the predictor, with the
- * signs flipped whatever the recursion returned.
+ * signs flipped, also of what a recursion that fails has left in pDst or found there.
  *
  * Cov: predictor coefficients a from phi a = c, with
  *
@@ -1351,7 +1354,9 @@ ORV_API OrvStatus orvsLinearPrediction_Cov_16s_Sfs(const int16_t *pSrc, int32_t 
  *     a[i] = -(c[i] + 1 / (i + 1) * sum over j = 0 .. i - 1 of (i - j) c[i - j - 1] a[j])
  *
  * in single. Below a length of 22 the sum is multiplied by the rounded reciprocal, from there on it is
- * divided.
+ * divided. The 32f forms add the products in the order of pDst: one by one until pDst stands on a 16-byte
+ * boundary, then eight a round in two times four lanes, then one by one; all one by one if pDst is not on a
+ * 4-byte boundary.
  *
  * The 16s forms read integers times 2^scaleFactor (a negative factor counts fractional bits) and write the
  * result times 2^-scaleFactor: LPToCepstrum rounded, halves away from zero, without saturation (the low 16
@@ -1463,7 +1468,7 @@ ORV_API OrvStatus orvsLSPToLP_16s_Sfs(const int16_t *pSrc, int32_t srcShift, int
  * 2^fftOrder values 1 / |X[k]|, X being the transform of length 2^(fftOrder + 1) of 0, a[0], ..., a[len - 1],
  * with val subtracted from the real part of bin 0. The bin at half the sampling rate is left out. At a
  * magnitude of exactly 0 the 32f form writes 2139095040.0 (a number, not an infinity), the 16s form
- * saturates.
+ * 3.4028235e38, scaled and saturated as any other value.
  *
  * The 16s form takes a and val as plain integers and writes the result times 2^-scaleFactor, rounded, ties to
  * even, saturated.

@@ -81,7 +81,7 @@ OrvStatus orvsLPToSpectrum_32f(const float *pSrc, int32_t len, float *pDst, int3
 OrvStatus orvsLPToSpectrum_16s_Sfs(const int16_t *pSrc, int32_t len, int16_t *pDst, int32_t fftOrder,
                                    int32_t val, int32_t scaleFactor) {
   if (const OrvStatus status = check(pSrc, len, pDst, fftOrder); status != orvStsNoErr) return status;
-  // At a zero the largest number, unlike in the single form: whatever the scale, it saturates.
+  // At a zero the largest number, unlike in the single form: it saturates unless scaleFactor is above 113.
   return spectrum(pSrc, len, fftOrder, static_cast<float>(val), FLT_MAX, [&](std::int32_t i, float v) {
     orvsConvert_32f16s_Sfs(&v, pDst + i, 1, kRoundNearestEven, scaleFactor);
   });

@@ -78,6 +78,36 @@ TEST(LpConversions, GoThereAndBack) {
   }
 }
 
+TEST(LpConversions, AddInGroupsThatFollowTheDestination) {
+  Random random(54);
+  for (const std::size_t offset : {0, 2, 4, 8, 12})
+    for (const bool toCepstrum : {true, false}) {
+      const Guarded<float> src(uniform<float>(random, 40, -1, 1), 4);
+      Guarded<float> dst(40, offset);
+      ASSERT_EQ((toCepstrum ? orvsLPToCepstrum_32f : orvsCepstrumToLP_32f)(src.data(), dst.data(), 40),
+                orvStsNoErr);
+      for (std::size_t i = 0; i < 40; ++i) {
+        const std::size_t head = offset % 4 != 0 ? i : std::min(i, (16 - offset) % 16 / 4);
+        const std::size_t tail = i - (i - head) % 8;
+        float lanes[8] = {}, sum = 0;
+        for (std::size_t m = 0; m < i; ++m) {
+          const float product =
+              static_cast<float>(toCepstrum ? m + 1 : i - m) * src.at(i - 1 - m) * dst.at(m);
+          if (m == head && m < tail) lanes[0] = sum;
+          if (m >= head && m < tail) {
+            lanes[(m - head) % 8] += product;
+            if (m + 1 == tail)
+              sum = ((lanes[0] + lanes[4]) + (lanes[2] + lanes[6])) +
+                    ((lanes[1] + lanes[5]) + (lanes[3] + lanes[7]));
+          } else {
+            sum += product;
+          }
+        }
+        EXPECT_TRUE(sameBits(dst.at(i), 0 - (src.at(i) + sum / static_cast<float>(i + 1)))) << i;
+      }
+    }
+}
+
 TEST(LpConversions, WriteIntegersEachInItsOwnWay) {
   // c = -a: 1.5 units round away from zero and wrap on the way to the cepstrum, to even and saturated on the
   // way back.
