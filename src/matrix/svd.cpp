@@ -2,7 +2,7 @@
 // and implicitly shifted QR iteration.
 //
 // Everything is done on transposed copies of U and V, whose rows are the columns that the method works on:
-// the same operations as on the caller's matrices, at neighbouring addresses.
+// the same operations as on the caller's matrices, at neighbouring addresses and while they are near.
 
 #include <cmath>
 #include <cstddef>
@@ -10,6 +10,7 @@
 
 #include "core/alloc.h"
 #include "matrix/lines.h"
+#include "matrix/svdlines.h"
 #include "orvsr/matrix.h"
 #include "primitives/memory.h"
 #include "primitives/reduce.h"
@@ -32,125 +33,23 @@ double _sqrSumSqrt(double a, double b) {
 double withSignOf(double x, double y) { return y < 0 ? -std::fabs(x) : std::fabs(x); }
 double againstSignOf(double x, double y) { return y < 0 ? std::fabs(x) : -std::fabs(x); }
 
-struct Rotation {
-  double c, s;
-};
-
-// One rotation of two values. The lanes are made before a loop: what it stores might be a Rotation, for all
-// that the compiler knows.
-struct RotationLanes {
-  f64x2 c, s;
-  explicit RotationLanes(const Rotation &r) : c(simd::splat2(r.c)), s(simd::splat2(r.s)) {}
-};
-inline void rotate(f64x2 &p, f64x2 &q, const RotationLanes &r) {
-  const f64x2 x = p, y = q;
-  p = x * r.c + y * r.s;
-  q = y * r.c - x * r.s;
-}
-inline void rotate(double &p, double &q, const Rotation &r) {
-  const double x = p, y = q;
-  p = r.c * x + r.s * y;
-  q = r.c * y - r.s * x;
-}
-
-// A dense matrix whose rows are columns of the caller's.
-struct Lines {
-  double *base;
-  std::ptrdiff_t stride;
-  std::int32_t len;
-
-  double *operator[](std::int32_t i) const { return base + i * stride; }
-
-  void rotatePair(std::int32_t p, std::int32_t q, const Rotation &r) const {
-    double *x = (*this)[p], *y = (*this)[q];
-    const RotationLanes lanes(r);
-    std::int32_t k = 0;
-    for (; len - k >= 2; k += 2) {
-      f64x2 a = simd::load2(x + k), b = simd::load2(y + k);
-      rotate(a, b, lanes);
-      simd::store2(x + k, a);
-      simd::store2(y + k, b);
-    }
-    if (k < len) rotate(x[k], y[k], r);
-  }
-
-  // Rotations of lines (first, first + 1), (first + 1, first + 2), ... in this order. Each element sees the
-  // same operations as line by line; four rotations at a time keep it in a register. Within a larger function
-  // the compiler has no registers left for the rotations.
-  [[gnu::noinline]] void rotateChain(std::int32_t first, const Rotation *r, std::int32_t count) const {
-    std::int32_t j = 0;
-    for (; count - j >= 4; j += 4) rotateFour(first + j, r + j);
-    for (; j < count; ++j) rotatePair(first + j, first + j + 1, r[j]);
-  }
-
-  void rotateFour(std::int32_t first, const Rotation *r) const {
-    double *x0 = (*this)[first], *x1 = x0 + stride, *x2 = x1 + stride, *x3 = x2 + stride, *x4 = x3 + stride;
-    const RotationLanes ab(r[0]), bc(r[1]), cd(r[2]), de(r[3]);
-    const std::int32_t n = len;
-    std::int32_t k = 0;
-    for (; n - k >= 2; k += 2) {
-      f64x2 a = simd::load2(x0 + k), b = simd::load2(x1 + k), c = simd::load2(x2 + k),
-            d = simd::load2(x3 + k), e = simd::load2(x4 + k);
-      rotate(a, b, ab);
-      rotate(b, c, bc);
-      rotate(c, d, cd);
-      rotate(d, e, de);
-      simd::store2(x0 + k, a);
-      simd::store2(x1 + k, b);
-      simd::store2(x2 + k, c);
-      simd::store2(x3 + k, d);
-      simd::store2(x4 + k, e);
-    }
-    if (k < len) {
-      rotate(x0[k], x1[k], r[0]);
-      rotate(x1[k], x2[k], r[1]);
-      rotate(x2[k], x3[k], r[2]);
-      rotate(x3[k], x4[k], r[3]);
-    }
-  }
-
-  // For each line j from first to last: line[j] += (dot of u and line[j]) * factor(dot) * v, from element
-  // `from` of each on; u and v start there. Four lines at a time share the loads of u and v.
-  template <class Factor>
-  void reflect(std::int32_t first, std::int32_t last, std::int32_t from, const double *u, std::int32_t uFrom,
-               const double *v, Factor factor) const {
-    const std::int32_t n = len - from, skip = uFrom - from;
-    std::int32_t j = first;
-    for (; last - j >= 4; j += 4) {
-      double *x[4] = {(*this)[j] + from, (*this)[j + 1] + from, (*this)[j + 2] + from, (*this)[j + 3] + from};
-      f64x4 sums[4]{};
-      std::int32_t k = skip;
-      for (; n - k >= 4; k += 4) {
-        const f64x4 w = loadFour(u + k);
-        for (int i = 0; i < 4; ++i) sums[i] = sums[i] + w * loadFour(x[i] + k);
-      }
-      double f[4];
-      for (int i = 0; i < 4; ++i) {
-        double t = simd::sumLanes(sums[i]);
-        for (std::int32_t rest = k; rest < n; ++rest) t += u[rest] * x[i][rest];
-        f[i] = factor(t);
-      }
-      for (int i = 0; i < 4; ++i) addMul(v, x[i], n, f[i]);
-    }
-    for (; j < last; ++j) {
-      double *x = (*this)[j] + from;
-      addMul(v, x, n, factor(dot(u + skip, x + skip, n - skip)));
-    }
-  }
-};
-
 class Decomposition {
  public:
   // Transposed copies of an m x n matrix and room for V.
   Decomposition(std::int32_t m, std::int32_t n) : m_(m), n_(n) {
-    const std::int64_t uStride = stride(m), vStride = stride(n);
+    const std::int64_t uStride = Lines::strideOf(m), vStride = Lines::strideOf(n);
     // Each matrix by itself first: the products are below 2^63, their sum need not be.
     if (uStride * n > INT32_MAX || vStride * n > INT32_MAX) return;
-    const std::int64_t total = uStride * n + vStride * n + 6 * std::int64_t{n} + stride(m);
+    // Reflections are done before the first rotation is.
+    const std::int64_t reflected = (n < kReflections ? n : kReflections) * (uStride > 2 * vStride ? uStride : 2 * vStride);
+    const std::int64_t rotated = kSweeps * std::int64_t{n} * kRotation;
+    const std::int64_t room = reflected > 2 * rotated ? reflected : 2 * rotated;
+    const std::int64_t total = kAlign + uStride * n + vStride * n + room + 3 * vStride + uStride;
     if (total > INT32_MAX) return;
     block_ = orvsMalloc_64f(static_cast<std::int32_t>(total));
     if (block_ == nullptr) return;
-    double *next = block_;
+    const auto misaligned = reinterpret_cast<std::uintptr_t>(block_) / sizeof(double) % kAlign;
+    double *next = block_ + (kAlign - misaligned) % kAlign;
     const auto take = [&next](std::int64_t count) {
       double *p = next;
       next += count;
@@ -158,10 +57,11 @@ class Decomposition {
     };
     u_ = {take(uStride * n), static_cast<std::ptrdiff_t>(uStride), m};
     v_ = {take(vStride * n), static_cast<std::ptrdiff_t>(vStride), n};
-    superDiagonal_ = take(n);
-    row_ = take(n);
-    rotations_ = reinterpret_cast<Rotation *>(take(4 * std::int64_t{n}));
-    sums_ = take(stride(m));
+    room_ = take(room);
+    superDiagonal_ = take(vStride);
+    row_ = take(vStride);
+    factors_ = take(vStride);
+    sums_ = take(uStride);
   }
   ~Decomposition() {
     if (block_ != nullptr) orvsFree(block_);
@@ -176,62 +76,99 @@ class Decomposition {
   // Leaves U and V in their copies and the singular values in w.
   OrvStatus run(double *w, std::int32_t iterations) {
     w_ = w;
+    u_.clear(n_, m_);
     reduce();
     accumulateRight();
     accumulateLeft();
-    for (std::int32_t k = n_ - 1; k >= 0; --k)
-      if (!settle(k, iterations)) return orvStsSvdConvergeErr;
-    return orvStsNoErr;
+    return diagonalise(iterations) ? orvStsNoErr : orvStsSvdConvergeErr;
   }
 
  private:
-  // Rows on 16-byte boundaries, and not a multiple of 512 bytes apart, which would crowd them into a few
-  // cache sets.
-  static std::int64_t stride(std::int32_t len) {
-    const std::int64_t even = (std::int64_t{len} + 1) / 2 * 2;
-    return even % 64 == 0 ? even + 2 : even;
-  }
+  static constexpr std::int32_t kAlign = 8;         // doubles in a cache line
+  static constexpr std::int32_t kReflections = 16;  // that are applied together
+  static constexpr std::int32_t kSweeps = 16;       // that are applied together, if they are of full length
+  static constexpr std::int32_t kMostSweeps = 64;   // even if they are short
+  static constexpr std::int32_t kRotation = sizeof(RotationLanes) / sizeof(double);
 
   double w(std::int32_t i) const { return load(w_ + i); }
   void setW(std::int32_t i, double value) { store(w_ + i, value); }
 
-  // Householder reduction to bidiagonal form.
+  // Householder reduction to bidiagonal form. What a row does to the rows below it waits for the next column,
+  // so that the lines are walked twice for both.
   void reduce() {
     double g = 0, scaleOf = 0;
     for (std::int32_t i = 0; i < n_; ++i) {
       superDiagonal_[i] = scaleOf * g;
       g = scaleOf = 0;
-      if (i < m_) g = reduceColumn(i, &scaleOf);
+      if (i < m_)
+        g = reduceColumn(i, &scaleOf);
+      else if (i == m_)
+        takeRow(i, i, n_);
+      rowScale_ = 0;
       setW(i, scaleOf * g);
       g = scaleOf = 0;
       if (i < m_ && i != n_ - 1) g = reduceRow(i, &scaleOf);
       const double reach = std::fabs(w(i)) + std::fabs(superDiagonal_[i]);
       anorm_ = anorm_ > reach ? anorm_ : reach;
     }
-    last_ = g;
   }
 
   double reduceColumn(std::int32_t i, double *scaleOf) {
+    takeRow(i, i, i + 1);
     double *column = u_[i] + i;
     const std::int32_t len = m_ - i;
     const double sum = sumAbs(column, len);
     *scaleOf = sum;
-    if (sum == 0) return 0;
+    if (sum == 0) {
+      takeRow(i, i + 1, n_);
+      return 0;
+    }
     const double s = scaleAndSumSquares(column, len, 1 / sum);
     const double f = column[0];
     const double g = againstSignOf(std::sqrt(s), f);
     const double h = f * g - s;
     column[0] = f - g;
-    u_.reflect(i + 1, n_, i, column, i, column, [h](double t) { return t / h; });
+    std::int32_t j = i + 1;
+    for (; n_ - j >= 4; j += 4) {
+      const FourLines x(u_, j, i);
+      double t[4];
+      if (rowScale_ != 0) {
+        for (int k = 0; k < 4; ++k) x.x[k][-1] = row_[j + k] * rowScale_;
+        x.addMulAndDot(sums_, factors_ + j, column, t, len);
+      } else {
+        x.dot(column, t, len);
+      }
+      for (double &v : t) v = v / h;
+      x.addMul(column, t, len);
+      for (int k = 0; k < 4; ++k) row_[j + k] = x.x[k][0];
+    }
+    for (; j < n_; ++j) {
+      takeRow(i, j, j + 1);
+      addMul(column, u_[j] + i, len, dot(column, u_[j] + i, len) / h);
+      row_[j] = u_[j][i];
+    }
     scale(column, len, sum);
     return g;
   }
 
-  // The row of A is a column here: it is gathered once. Its products with all the rows below are formed side
-  // by side, each in the order of its elements.
+  // What the row before row i still has to do to lines from `first` to before `last`. Their elements of row i
+  // are row_ then.
+  void takeRow(std::int32_t i, std::int32_t first, std::int32_t last) {
+    const std::int32_t len = m_ - i;
+    for (std::int32_t j = first; j < last; ++j) {
+      double *const x = u_[j] + i;
+      if (rowScale_ != 0) {
+        x[-1] = row_[j] * rowScale_;
+        addMul(sums_, x, len, factors_[j]);
+      }
+      if (len > 0) row_[j] = *x;
+    }
+  }
+
+  // The products of the row with all the rows below are formed side by side, each in the order of its
+  // elements.
   double reduceRow(std::int32_t i, double *scaleOf) {
     const std::int32_t l = i + 1, len = n_ - l;
-    for (std::int32_t k = l; k < n_; ++k) row_[k] = u_[k][i];
     const double sum = sumAbs(row_ + l, len);
     *scaleOf = sum;
     if (sum == 0) return 0;
@@ -241,13 +178,13 @@ class Decomposition {
     const double h = f * g - s;
     row_[l] = f - g;
     const double reciprocal = 1 / h;
-    for (std::int32_t k = l; k < n_; ++k) superDiagonal_[k] = row_[k] * reciprocal;
+    for (std::int32_t k = l; k < n_; ++k) factors_[k] = row_[k] * reciprocal;
     reflectRows(l);
-    for (std::int32_t k = l; k < n_; ++k) u_[k][i] = row_[k] * sum;
+    rowScale_ = sum;
     return g;
   }
 
-  // Rows j of A from l on: row j += (row j . row_) superDiagonal_, over elements from l on.
+  // Rows j of A from l on: row j += (row j . row_) factors_, over elements from l on.
   void reflectRows(std::int32_t l) {
     const std::int32_t len = m_ - l;
     if (len < 1) return;
@@ -269,44 +206,60 @@ class Decomposition {
         sums[j] = sums[j] + x0[j] * row_[k] + x1[j] * row_[k + 1] + x2[j] * row_[k + 2] + x3[j] * row_[k + 3];
     }
     for (; k < n_; ++k) addMul(u_[k] + l, sums, len, row_[k]);
-    for (k = l; k < n_; ++k) addMul(sums, u_[k] + l, len, superDiagonal_[k]);
+  }
+
+  // Reflections `last`, ... 0 of lines, each as `make` describes it, with room for it.
+  template <class Make>
+  void accumulate(const Lines &lines, std::int32_t last, std::int64_t roomForOne, Make make) {
+    for (std::int32_t high = last; high >= 0; high -= kReflections) {
+      const std::int32_t low = high < kReflections ? 0 : high - kReflections + 1;
+      Reflection reflections[kReflections];
+      for (std::int32_t i = high; i >= low; --i)
+        reflections[high - i] = make(i, room_ + (high - i) * roomForOne);
+      reflectLines(lines, n_, reflections, high, low);
+    }
   }
 
   void accumulateRight() {
-    double g = last_;
-    for (std::int32_t i = n_ - 1; i >= 0; --i) {
-      const std::int32_t l = i + 1;
-      double *column = v_[i];
-      if (i < n_ - 1) {
-        if (g != 0) {
-          for (std::int32_t j = l; j < n_; ++j) row_[j] = i < m_ ? u_[j][i] : 0;
-          for (std::int32_t j = l; j < n_; ++j) column[j] = (row_[j] / row_[l]) / g;
-          v_.reflect(l, n_, l, row_ + l, l, column + l, [](double t) { return t; });
-        }
-        for (std::int32_t j = l; j < n_; ++j) column[j] = v_[j][i] = 0;
+    v_.clear(n_, 0);
+    for (std::int32_t i = 0; i < n_; ++i) v_[i][i] = 1;
+    accumulate(v_, n_ - 2, 2 * v_.stride, [this](std::int32_t i, double *room) {
+      const std::int32_t l = i + 1, len = n_ - l;
+      double *const u = room, *const v = room + v_.stride + 1;
+      const double g = superDiagonal_[l];
+      if (g != 0) {
+        for (std::int32_t j = 0; j < len; ++j) u[j] = i < m_ ? u_[l + j][i] : 0;
+        for (std::int32_t j = 0; j < len; ++j) v[j] = (u[j] / u[0]) / g;
       }
-      column[i] = 1;
-      g = superDiagonal_[i];
-    }
+      v[-1] = 0;
+      return Reflection{u, v, l, len, 1, 1, false, g == 0};
+    });
   }
 
   void accumulateLeft() {
-    for (std::int32_t i = (m_ < n_ ? m_ : n_) - 1; i >= 0; --i) {
-      const std::int32_t l = i + 1;
-      for (std::int32_t j = l; j < n_; ++j) u_[j][i] = 0;
-      double *column = u_[i] + i;
-      if (w(i) != 0) {
-        const double g = 1 / w(i), pivot = column[0];
-        u_.reflect(l, n_, i, column, l, column, [=](double t) { return (t / pivot) * g; });
-        scale(column, m_ - i, g);
-      } else {
-        for (std::int32_t j = 0; j < m_ - i; ++j) column[j] = 0;
-      }
+    accumulate(u_, (m_ < n_ ? m_ : n_) - 1, u_.stride, [this](std::int32_t i, double *room) {
+      double *const column = u_[i] + i;
+      const std::int32_t len = m_ - i;
+      for (std::int32_t k = 0; k < len; ++k) room[k] = column[k];
+      const bool empty = w(i) == 0;
+      const double g = 1 / w(i);
+      for (std::int32_t k = 0; k < len; ++k) column[k] = empty ? 0 : column[k] * g;
       column[0] += 1;
-    }
+      return Reflection{room + 1, room + 1, i + 1, len - 1, room[0], g, true, empty};
+    });
   }
 
   bool negligible(double x) const { return anorm_ == anorm_ + std::fabs(x); }
+
+  bool diagonalise(std::int32_t iterations) {
+    for (std::int32_t k = 0; k < n_; ++k) row_[k] = 1;
+    bool settled = true;
+    for (std::int32_t k = n_ - 1; k >= 0 && settled; --k) settled = settle(k, iterations);
+    rotateAll();
+    for (std::int32_t k = 0; k < n_; ++k)
+      if (row_[k] < 0) scale(v_[k], n_, -1.0);
+    return settled;
+  }
 
   // Singular value k; false if the limit was reached.
   bool settle(std::int32_t k, std::int32_t iterations) {
@@ -325,7 +278,7 @@ class Decomposition {
       if (l == k) {
         if (z < 0) {
           setW(k, -z);
-          scale(v_[k], n_, -1.0);
+          row_[k] = -1;  // column k of V is left alone from now on, and changes its sign at the end
         }
         return true;
       }
@@ -335,6 +288,7 @@ class Decomposition {
   }
 
   void cancelFrom(std::int32_t l, std::int32_t k) {
+    rotateAll();
     double c = 0, s = 1;
     for (std::int32_t i = l; i <= k; ++i) {
       const double f = s * superDiagonal_[i];
@@ -345,7 +299,7 @@ class Decomposition {
       setW(i, h);
       c = g / h;
       s = f / -h;
-      u_.rotatePair(l - 1, i, {c, s});
+      rotatePair(u_[l - 1], u_[i], m_, c, s);
     }
   }
 
@@ -359,11 +313,25 @@ class Decomposition {
     return ((x - z) * (x + z) + h * (y / (f + withSignOf(_sqrSumSqrt(f, 1), f)) - h)) / x / unit;
   }
 
-  // One QR sweep over l .. k with the shift from the bottom 2 x 2 minor. The rotations of U and V are applied
-  // at its end, in their order: the sweep itself looks at neither.
+  // The rotations of the sweeps so far that U and V have not seen yet.
+  void rotateAll() {
+    rotateLines(v_, right_, sweeps_);
+    rotateLines(u_, left_, sweeps_);
+    sweeps_ = 0;
+    rotations_ = 0;
+  }
+
+  // One QR sweep over l .. k with the shift from the bottom 2 x 2 minor. It looks at neither U nor V, so that
+  // their rotations can wait until there are many.
   void sweep(std::int32_t l, std::int32_t k) {
+    if (sweeps_ == kMostSweeps || rotations_ + (k - l) > kSweeps * n_) rotateAll();
+    auto *const right = reinterpret_cast<RotationLanes *>(room_) + rotations_, *const left =
+                                                                                   right + kSweeps * n_;
+    rotations_ += k - l;
+    right_[sweeps_] = {l, k, right};
+    left_[sweeps_] = {l, k, left};
+    ++sweeps_;
     double x = w(l), y, z, g, h, f = shift(l, k);
-    Rotation *right = rotations_, *left = rotations_ + n_;
     double c = 1, s = 1;
     for (std::int32_t j = l; j < k; ++j) {
       const std::int32_t i = j + 1;
@@ -381,7 +349,7 @@ class Decomposition {
       g = g * c - x * s;
       h = y * s;
       y = y * c;
-      right[j - l] = {c, s};
+      right[j - l] = {{c, c}, {s, s}};
       z = _sqrSumSqrt(f, h);
       setW(j, z);
       if (z != 0) {
@@ -391,10 +359,8 @@ class Decomposition {
       }
       f = c * g + s * y;
       x = c * y - s * g;
-      left[j - l] = {c, s};
+      left[j - l] = {{c, c}, {s, s}};
     }
-    v_.rotateChain(l, right, k - l);
-    u_.rotateChain(l, left, k - l);
     superDiagonal_[l] = 0;
     superDiagonal_[k] = f;
     setW(k, x);
@@ -403,9 +369,11 @@ class Decomposition {
   std::int32_t m_, n_;
   double *block_ = nullptr;
   Lines u_{}, v_{};
-  double *superDiagonal_ = nullptr, *row_ = nullptr, *sums_ = nullptr, *w_ = nullptr;
-  Rotation *rotations_ = nullptr;
-  double anorm_ = 0, last_ = 0;
+  double *superDiagonal_ = nullptr, *row_ = nullptr, *factors_ = nullptr, *sums_ = nullptr, *w_ = nullptr;
+  double *room_ = nullptr;  // for reflections, later for rotations
+  Sweep right_[kMostSweeps], left_[kMostSweeps];
+  std::int32_t sweeps_ = 0, rotations_ = 0;
+  double anorm_ = 0, rowScale_ = 0;
 };
 
 // The caller's matrices, in either layout.
