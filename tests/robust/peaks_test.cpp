@@ -131,6 +131,10 @@ TEST(Periodicity, FindsTheFirstOfEqualCombs) {
   ASSERT_EQ(orvsPeriodicity_32f(flat.data(), 4096, &ratio, &period, 2, 1), orvStsNoErr);
   EXPECT_EQ(period, 1);
   EXPECT_EQ(ratio, 6.0F / 4096);
+  // The total is formed from the last to the first, and single precision shows it.
+  const std::vector<float> steep{16777216, 1, 1};
+  ASSERT_EQ(orvsPeriodicity_32f(steep.data(), 3, &ratio, &period, 2, 1), orvStsNoErr);
+  EXPECT_EQ(ratio, 16777216.0F / 16777218.0F);
   const std::vector<std::int32_t> zeros(9);
   ASSERT_EQ(orvsPeriodicity_32s16s(zeros.data(), 9, &ratioQ15, &period, 8, 1), orvStsNoErr);
   EXPECT_EQ(ratioQ15, 0);

@@ -147,6 +147,18 @@ TEST(DynamicTimeWarping, RoundsDifferencesAndSquaresToSingle) {
   EXPECT_EQ(result, 16777216.0F);
 }
 
+// A cost of 0.5 in the first row, and one or two units of 2^-23 less in the second: only the former is within
+// a beam of no width, and only from the first row is the last frame near.
+TEST(DynamicTimeWarping, WidensTheBeamByOneRounding) {
+  const float a[] = {0, 0.5F, 0};
+  for (const float unit : {0x1p-23F, 0x1p-22F}) {
+    const float b[] = {0, 1 - unit};
+    float result = 0;
+    EXPECT_EQ(orvsDTW_L2_32f_D2(a, 3, b, 2, 1, 1, &result, -1, -5), orvStsNoErr);
+    EXPECT_EQ(result, unit == 0x1p-23F ? 0.5F : (0.5F - unit) + (1 - unit));
+  }
+}
+
 TEST(DynamicTimeWarping, AllocatesBeyondItsStackAndReportsFailureByForm) {
   // 204 by 12 frames take 508 elements, 205 by 12 take 516.
   const std::vector<float> data(205);
