@@ -57,12 +57,12 @@ TEST(FindPeaks, SmoothsAndThenComparesTolerantly) {
   EXPECT_EQ(peaks({9, 0, 0, 0, 0, 0, 0, 0}, 1, 1), Marks{0});
   // Means of three: 2, 3, 4, 3, 2: the top of the smooth curve, not the raw one.
   EXPECT_EQ(peaks({0, 4, 5, 3, 1, 2}, 1, 1), Marks{2});
-  // A step of 5e-7 at the top counts raw; smoothed, it makes the top flat.
+  // A fall of 5e-7 from the top counts raw; smoothed, it makes the top flat.
   const float above = 1 + 4 * 1.1920929e-7F;
-  const std::vector<float> slight{0, 1, above, 0};
+  const std::vector<float> slight{0, above, 1, 0};
   std::vector<std::uint8_t> mark(4, 9);
   EXPECT_EQ(orvsFindPeaks_32f8u(slight.data(), mark.data(), 4, 1, 0), orvStsNoErr);
-  EXPECT_EQ(mark, (std::vector<std::uint8_t>{0, 0, 1, 0}));
+  EXPECT_EQ(mark, (std::vector<std::uint8_t>{0, 1, 0, 0}));
   EXPECT_EQ(peaks({-3, 3 * above - 3, 3, 0, 0, 0}, 1, 1), Marks{});
   // The raw samples decide at the last position although the smooth curve rises there in both.
   EXPECT_EQ(peaks({30, 9, 0, 2, 3}, 1, 1), (Marks{0, 4}));
@@ -107,18 +107,18 @@ TEST(FindPeaks, AgreesWithTheDefinitionOnRandomCurves) {
 TEST(Periodicity, FindsTheFirstOfEqualCombs) {
   std::vector<float> comb(40);
   for (std::size_t i = 3; i < 40; i += 7) comb[i] = 2;
-  const std::vector<std::int32_t> whole = [&] {
+  const auto whole = [&] {
     std::vector<std::int32_t> v(comb.begin(), comb.end());
     for (std::int32_t &x : v) x *= 1 << 29;
     return v;
-  }();
+  };
   float ratio = -1;
   std::int16_t ratioQ15 = -1;
   std::int32_t period = -1;
   ASSERT_EQ(orvsPeriodicity_32f(comb.data(), 40, &ratio, &period, 20, 5), orvStsNoErr);
   EXPECT_EQ(period, 7);
   EXPECT_EQ(ratio, 1);
-  ASSERT_EQ(orvsPeriodicity_32s16s(whole.data(), 40, &ratioQ15, &period, 20, 5), orvStsNoErr);
+  ASSERT_EQ(orvsPeriodicity_32s16s(whole().data(), 40, &ratioQ15, &period, 20, 5), orvStsNoErr);
   EXPECT_EQ(period, 7);
   EXPECT_EQ(ratioQ15, 32767);
   // Single sums against the single total: the mean of 14 samples apart is as good, and comes later.
@@ -126,6 +126,8 @@ TEST(Periodicity, FindsTheFirstOfEqualCombs) {
   ASSERT_EQ(orvsPeriodicity_32f(comb.data(), 40, &ratio, &period, 20, 5), orvStsNoErr);
   EXPECT_EQ(period, 7);
   EXPECT_EQ(ratio, 12.0F / 13.0F);
+  ASSERT_EQ(orvsPeriodicity_32s16s(whole().data(), 40, &ratioQ15, &period, 20, 5), orvStsNoErr);
+  EXPECT_EQ(ratioQ15, 12 * 32768 / 13);
   // At most six samples a comb.
   const std::vector<float> flat(4096, 1);
   ASSERT_EQ(orvsPeriodicity_32f(flat.data(), 4096, &ratio, &period, 2, 1), orvStsNoErr);
@@ -135,6 +137,18 @@ TEST(Periodicity, FindsTheFirstOfEqualCombs) {
   const std::vector<float> steep{16777216, 1, 1};
   ASSERT_EQ(orvsPeriodicity_32f(steep.data(), 3, &ratio, &period, 2, 1), orvStsNoErr);
   EXPECT_EQ(ratio, 16777216.0F / 16777218.0F);
+  const std::vector<std::int32_t> even(9, 8);  // means of two and five samples are 8 too, rounded down
+  ASSERT_EQ(orvsPeriodicity_32s16s(even.data(), 9, &ratioQ15, &period, 8, 1), orvStsNoErr);
+  EXPECT_EQ(period, 1);
+  // By least squares 16 explains these as well as 8, to the last bit.
+  std::vector<std::int16_t> lines(32);
+  for (std::size_t i = 0; i < 32; i += 8) lines[i] = 985;
+  ASSERT_EQ(orvsPeriodicityLSPE_16s(lines.data(), 32, &ratioQ15, &period, 17, 6), orvStsNoErr);
+  EXPECT_EQ(period, 8);
+  ASSERT_EQ(orvsPeriodicityLSPE_32f(std::vector<float>(lines.begin(), lines.end()).data(), 32, &ratio,
+                                    &period, 17, 6),
+            orvStsNoErr);
+  EXPECT_EQ(period, 8);
   const std::vector<std::int32_t> zeros(9);
   ASSERT_EQ(orvsPeriodicity_32s16s(zeros.data(), 9, &ratioQ15, &period, 8, 1), orvStsNoErr);
   EXPECT_EQ(ratioQ15, 0);
@@ -240,6 +254,7 @@ TEST(PeaksAndPeriods, CheckTheirArgumentsInTheirOrder) {
   EXPECT_EQ(orvsPeriodicityLSPE_32f(x.data(), 1025, &r, &p, 101, 100), orvStsLenRangeErr);
   EXPECT_TRUE(r == 5 && q == 5 && p == 5);
   EXPECT_EQ(orvsPeriodicityLSPE_32f(x.data(), 96, &r, &p, 7, 6), orvStsNoErr);
+  EXPECT_EQ(orvsPeriodicityLSPE_32f(x.data(), 1024, &r, &p, 101, 100), orvStsNoErr);
 }
 
 }  // namespace
