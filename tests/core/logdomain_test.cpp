@@ -259,6 +259,12 @@ TYPED_TEST(LogFixed, AdditionScalesSaturatesAndTruncates) {
           ASSERT_EQ(add(&a, result.data(), 1, hint, factor), orvStsNoErr);
           ASSERT_EQ(result.at(0), fixedPoint<T>(value / s)) << a << ' ' << b << ' ' << factor << ' ' << hint;
         }
+  // Zero times an infinite scale is no place in the fast table.
+  T accurateSum = 0, fastSum = 0;
+  const T zero = 0;
+  EXPECT_EQ(add(&zero, &accurateSum, 1, orvAlgHintAccurate, -1100), orvStsNoErr);
+  EXPECT_EQ(add(&zero, &fastSum, 1, orvAlgHintFast, -1100), orvStsNoErr);
+  EXPECT_EQ(fastSum, accurateSum);
   // The difference between the end of the fast table and the drop threshold, which only such a factor
   // reaches.
   if constexpr (sizeof(T) == 4) {
