@@ -33,18 +33,43 @@ std::uint32_t countHalves(T b, T a) {
   return std::uint32_t{(b > 0) != (a > 0)} + std::uint32_t{(b < 0) != (a < 0)};
 }
 
-// The same over all pairs, four at a time.
-std::uint32_t sumHalves(const float *src, std::int32_t len) {
-  using simd::f32x4;
-  const f32x4 zero = simd::splat4(0.0F);
-  simd::i32x4 above = simd::splat4(0), below = above;
+// Products below zero, four at a time.
+std::uint32_t negativeProducts(const float *src, std::int32_t len) {
+  simd::i32x4 minus = simd::splat4(0);
   std::int32_t i = 0;
-  for (; len - 1 - i >= 4; i += 4) {
-    const f32x4 a = simd::load4(src + i), b = simd::load4(src + i + 1);
-    above = above - simd::bitsOf((b > zero) ^ (a > zero));
-    below = below - simd::bitsOf((b < zero) ^ (a < zero));
+#pragma GCC unroll 4
+  for (; len - 1 - i >= 4; i += 4)
+    minus = minus + simd::bitsOf(simd::load4(src + i + 1) * simd::load4(src + i) < simd::splat4(0.0F));
+  const auto changes = [](float b, float a) { return std::uint32_t{b * a < 0}; };
+  return sumOverPairs(src + i, len - i, changes) - simd::sumLanes(minus);
+}
+
+// -1 for values below zero, 1 above it, 0 else.
+simd::i32x4 signs4(const float *src) {
+  const simd::f32x4 x = simd::load4(src), zero = simd::splat4(0.0F);
+  return simd::bitsOf(x < zero) - simd::bitsOf(x > zero);
+}
+// The same and one more, in bytes.
+simd::i8x16 signs16(const float *src) {
+  return narrowSaturated(narrowSaturated(signs4(src), signs4(src + 4)),
+                         narrowSaturated(signs4(src + 8), signs4(src + 12))) +
+         simd::splat16(1);
+}
+
+// The same over all pairs, sixteen at a time: the count of a pair is the distance of its signs.
+std::uint32_t sumHalves(const float *src, std::int32_t len) {
+  if (len < 16) return sumOverPairs(src, len, countHalves<float>);
+  const float first = load(src);
+  // The first value meets itself.
+  simd::i8x16 before = simd::splat16(static_cast<std::int8_t>(1 + (first > 0) - (first < 0)));
+  simd::i32x4 sums = simd::splat4(0);
+  std::int32_t i = 0;
+  for (; len - i >= 16; i += 16) {
+    const simd::i8x16 signs = signs16(src + i);
+    sums = sums + simd::sumOfDistances(signs, simd::oneBefore(before, signs));
+    before = signs;
   }
-  return simd::sumLanes(above + below) + sumOverPairs(src + i, len - i, countHalves<float>);
+  return simd::sumLanes(sums) + sumOverPairs(src + i - 1, len - i + 1, countHalves<float>);
 }
 
 // The sum of x ln x over the elements that are not zero, in single precision, every logarithm rounded to
@@ -63,21 +88,25 @@ bool sumXLogX(const T *src, std::int32_t len, Read read, float *sum) {
   return true;
 }
 
-// 0 below 0, 2 above 2; a NaN runs through.
+// 0 below 0, 2 above 2; a NaN runs through. With t the distance from the nearer end of the curve, 0 outside,
+// it is t * t below 1 and 2 - t * t from 1 on.
 float unitCurve(float x) {
-  const float limited = x < 0 ? 0 : x > 2 ? 2 : x;
-  const float rest = 2 - limited;
-  return limited < 1 ? limited * limited : 2 - rest * rest;
+  const float rest = 2 - x;
+  const float inside = x < rest ? x : rest;
+  const float t = inside < 0 ? 0 : inside;
+  return x >= 1 ? 2 - t * t : t * t;
 }
 
 void unitCurve(const float *src, float *dst, std::int32_t len) {
   using simd::f32x4;
   const f32x4 zero = simd::splat4(0.0F), one = simd::splat4(1.0F), two = simd::splat4(2.0F);
   std::int32_t i = 0;
+#pragma GCC unroll 4
   for (; len - i >= 4; i += 4) {
-    const f32x4 limited = simd::max(zero, simd::min(two, simd::load4(src + i)));
-    const f32x4 rest = two - limited;
-    simd::store4(dst + i, simd::select(limited < one, limited * limited, two - rest * rest));
+    const f32x4 x = simd::load4(src + i);
+    const f32x4 t = simd::max(zero, simd::min(x, two - x));
+    const f32x4 upper = x >= one, square = t * t;
+    simd::store4(dst + i, (upper & two) + (square ^ (upper & simd::signBits4())));
   }
   for (; i < len; ++i) store(dst + i, unitCurve(load(src + i)));
 }
@@ -108,8 +137,7 @@ void unitCurve(const std::int16_t *src, std::int32_t srcShift, std::int16_t *dst
 OrvStatus orvsSignChangeRate_32f(const float *pSrc, int32_t len, float *pResult) {
   if (pSrc == nullptr || pResult == nullptr) return orvStsNullPtrErr;
   if (len < 1) return orvStsSizeErr;
-  const auto changes = [](float b, float a) { return std::uint32_t{b * a < 0}; };
-  store(pResult, static_cast<float>(sumOverPairs(pSrc, len, changes)));
+  store(pResult, static_cast<float>(negativeProducts(pSrc, len)));
   return orvStsNoErr;
 }
 

@@ -74,6 +74,7 @@ OrvStatus stretch(const In *src, Out *dst, std::int32_t len, In min, In max, con
   const float scale = limits.range / (limits.upperRatio * width - limits.lowerRatio * width);
   std::int32_t i = 0;
   if constexpr (std::is_same_v<In, float> && std::is_same_v<Out, float>)
+#pragma GCC unroll 4
     for (; len - i >= 4; i += 4) {
       const simd::f32x4 above = simd::min(simd::splat4(high), simd::load4(src + i)) - simd::splat4(low);
       simd::store4(dst + i, simd::max(above, simd::splat4(0.0F)) * scale);

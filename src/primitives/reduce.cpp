@@ -98,6 +98,15 @@ struct Less {
 inline simd::f32x4 loadLanes(const float *p) { return simd::load4(p); }
 inline simd::f64x2 loadLanes(const double *p) { return simd::load2(p); }
 
+template <class Order, class Lanes, class T>
+T extremeOfLanes(Lanes low, Lanes high, T best) {
+  const Lanes both = Order::extreme(low, high);
+  T each[Lanes::lanes];
+  std::memcpy(each, &both.v, sizeof each);
+  for (const T v : each) best = Order::extreme(best, v);
+  return best;
+}
+
 template <class Order, class T>
 T extremeOf(const T *src, std::int32_t len) {
   using Lanes = decltype(loadLanes(src));
@@ -111,10 +120,7 @@ T extremeOf(const T *src, std::int32_t len) {
       low = Order::extreme(low, loadLanes(src + i));
       high = Order::extreme(high, loadLanes(src + i + lanes));
     }
-    const Lanes both = Order::extreme(low, high);
-    T each[lanes];
-    std::memcpy(each, &both.v, sizeof each);
-    for (const T v : each) best = Order::extreme(best, v);
+    best = extremeOfLanes<Order>(low, high, best);
   }
   for (; i < len; ++i) best = Order::extreme(best, load(src + i));
   return best;
@@ -229,8 +235,25 @@ OrvStatus orvsMin_64f(const double *src, std::int32_t len, double *min) {
 
 OrvStatus orvsMinMax_32f(const float *src, std::int32_t len, float *min, float *max) {
   if (const OrvStatus status = checkArrays(len, src, min, max); status != orvStsNoErr) return status;
-  store(min, extremeOf<Less>(src, len));
-  store(max, extremeOf<Greater>(src, len));
+  float least = load(src), most = least;
+  std::int32_t i = 0;
+  if (len >= 8) {
+    simd::f32x4 low[2] = {simd::load4(src), simd::load4(src + 4)}, high[2] = {low[0], low[1]};
+    for (i = 8; len - i >= 8; i += 8)
+      for (int k = 0; k < 2; ++k) {
+        const simd::f32x4 v = simd::load4(src + i + 4 * k);
+        low[k] = Less::extreme(low[k], v);
+        high[k] = Greater::extreme(high[k], v);
+      }
+    least = extremeOfLanes<Less>(low[0], low[1], least);
+    most = extremeOfLanes<Greater>(high[0], high[1], most);
+  }
+  for (; i < len; ++i) {
+    least = Less::extreme(least, load(src + i));
+    most = Greater::extreme(most, load(src + i));
+  }
+  store(min, least);
+  store(max, most);
   return orvStsNoErr;
 }
 

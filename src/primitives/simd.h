@@ -161,6 +161,21 @@ inline i16x8 load8(const std::int16_t *p) { return {loadEight16(p)}; }
 inline void store8(std::int16_t *p, i16x8 a) { _mm_storeu_si128(reinterpret_cast<__m128i *>(p), a.v); }
 inline i16x8 operator+(i16x8 a, i16x8 b) { return {_mm_add_epi16(a.v, b.v)}; }
 inline i16x8 narrowSaturated(i32x4 low, i32x4 high) { return {_mm_packs_epi32(low.v, high.v)}; }
+
+// Sixteen bytes.
+struct i8x16 {
+  __m128i v;
+};
+inline i8x16 splat16(std::int8_t a) { return {_mm_set1_epi8(a)}; }
+inline i8x16 operator+(i8x16 a, i8x16 b) { return {_mm_add_epi8(a.v, b.v)}; }
+inline i8x16 narrowSaturated(i16x8 low, i16x8 high) { return {_mm_packs_epi16(low.v, high.v)}; }
+// The last byte of the one before, then all of a but its last.
+inline i8x16 oneBefore(i8x16 before, i8x16 a) {
+  return {_mm_or_si128(_mm_srli_si128(before.v, 15), _mm_slli_si128(a.v, 1))};
+}
+// The sum of |a - b| over unsigned bytes, spread over the lanes.
+inline i32x4 sumOfDistances(i8x16 a, i8x16 b) { return {_mm_sad_epu8(a.v, b.v)}; }
+
 // a[0] b[0] + a[1] b[1], a[2] b[2] + a[3] b[3], ...: exact unless all four are -32768.
 inline i32x4 sumsOfPairProducts(i16x8 a, i16x8 b) { return {_mm_madd_epi16(a.v, b.v)}; }
 // Each pair of values as one lane: lane k of row r becomes lane r of row k.

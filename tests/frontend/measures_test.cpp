@@ -54,6 +54,16 @@ TEST(SignChange, CountsByItsOwnRule) {
   EXPECT_EQ(halves, 0.5F * (2 + 1 + 1 + 2 + 1 + 1 + 1 + 0 + 1 + 2 + 1 + 1));
   EXPECT_EQ(orvsSignChangeRateXor_32f(values.data(), 11, &bits), orvStsNoErr);
   EXPECT_EQ(bits, 7);
+  std::vector<float> many(70);
+  float sum = 0;
+  const auto sign = [](float v) { return v > 0 ? 1 : v < 0 ? -1 : 0; };
+  for (std::size_t i = 0; i < many.size(); ++i) {
+    many[i] = values[i * i % 13];
+    if (i > 0) sum += static_cast<float>(std::abs(sign(many[i]) - sign(many[i - 1])));
+    ASSERT_EQ(orvsSignChangeRate_Count0_32f(many.data(), static_cast<std::int32_t>(i) + 1, &halves),
+              orvStsNoErr);
+    ASSERT_EQ(halves, sum * 0.5F) << i;
+  }
   EXPECT_EQ(orvsSignChangeRate_16s(shorts.data(), 12, &whole), orvStsNoErr);
   EXPECT_EQ(whole, 5);
   EXPECT_EQ(orvsSignChangeRate_Count0_16s(shorts.data(), 12, &wholeHalves), orvStsNoErr);
