@@ -160,16 +160,24 @@ TEST(DynamicTimeWarping, WidensTheBeamByOneRounding) {
 }
 
 TEST(DynamicTimeWarping, AllocatesBeyondItsStackAndReportsFailureByForm) {
-  // 204 by 12 frames take 508 elements, 205 by 12 take 516.
-  const std::vector<float> data(205);
+  // 236 by 3 frames take 512 elements, which stay on the stack, 237 by 3 take 520.
+  const std::vector<float> data(251);
   const auto rows = rowPointers(data.data(), 200, 1);
-  for (const int longLen : {204, 205}) {
+  for (const int longLen : {236, 237}) {
     Allocations allocations;
     float result;
     const auto longRows = rowPointers(data.data(), static_cast<std::size_t>(longLen), 1);
-    EXPECT_EQ(orvsDTW_L2_32f_D2L(longRows.data(), longLen, rows.data(), 12, 1, &result, -1, 1), orvStsNoErr);
+    EXPECT_EQ(orvsDTW_L2_32f_D2L(longRows.data(), longLen, rows.data(), 3, 1, &result, -1, 1), orvStsNoErr);
     EXPECT_EQ(allocations.sizes(),
-              longLen == 204 ? std::vector<std::size_t>{} : std::vector<std::size_t>{4 * 516});
+              longLen == 236 ? std::vector<std::size_t>{} : std::vector<std::size_t>{4 * 520});
+  }
+  // So do 256 row pointers; the costs of that many frames do not.
+  for (const int longLen : {250, 251}) {
+    Allocations allocations;
+    float result;
+    EXPECT_EQ(orvsDTW_L2_32f_D2(data.data(), longLen, data.data(), 6, 1, 1, &result, -1, 1), orvStsNoErr);
+    const std::vector<std::size_t> costs{4 * 564}, both{8 * 257, 4 * 564};
+    EXPECT_EQ(allocations.sizes(), longLen == 250 ? costs : both);
   }
   const std::vector<std::int16_t> shorts(200);
   const int failures = failEachAllocation([&](int n) {
