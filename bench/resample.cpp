@@ -44,8 +44,8 @@ struct Step {
   unsigned long soxr;  // the step of each peer that comes nearest
   int samplerate, speex;
 };
-constexpr Step kFast{"fast", 16, 0.84, 80, 1, 2, 3};
-constexpr Step kMedium{"medium", 64, 0.945, 106, 4, 1, 7};
+constexpr Step kFast{"fast", 26, 0.85, 112, 1, 2, 3};
+constexpr Step kMedium{"medium", 112, 0.9615, 132, 4, 1, 7};
 constexpr Step kBest{"best", 160, 0.971, 140, 6, 0, 10};
 
 // Converts the next samples of a stream, which it carries with it; the number of outputs.

@@ -23,9 +23,9 @@ struct Settings {
 Settings settingsOf(Quality quality) {
   switch (quality) {
     case Quality::fast:
-      return {16, 0.84, 80};
+      return {26, 0.85, 112};
     case Quality::medium:
-      return {64, 0.945, 106};
+      return {112, 0.9615, 132};
     case Quality::best:
       break;
   }

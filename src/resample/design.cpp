@@ -1,7 +1,9 @@
 #include "resample/design.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <numeric>
 
 #include "resample/engine.h"
 
@@ -23,6 +25,42 @@ std::int64_t samplesOf(std::int64_t taps, std::int64_t period) {
   return taps + std::max(taps, std::clamp<std::int64_t>(8 * period, 1024, 8192));
 }
 
+// Behind a grid: a block of it, beside what is left of the block before.
+std::int64_t samplesOf(const GridShape &grid, std::int64_t taps, std::int64_t period) {
+  const std::int64_t heldBack = 4 * period <= kMostHeldBack ? 4 * period : 0;
+  return (taps + heldBack + grid.up + grid.up * grid.steps() + 15) / 16 * 16;
+}
+
+// Where transforms take less time than sums: taps of a filter whose outputs stand on the grid, and of one
+// whose outputs stand between its places; places and inputs in a period of the grid.
+constexpr std::int64_t kLeastTaps = 48;
+constexpr std::int64_t kLeastTapsBetween = 120;
+constexpr std::int64_t kMostBranches = 64;
+
+// The filter between places has this attenuation, for which its transition takes 0.853 of the
+// Nyquist frequency of the grid. So the signal may reach to 0.573 of it.
+constexpr Settings kBetweenPlaces = {12, 1.0, 155};
+constexpr double kEdge = 0.573;
+
+// With less attenuation the ends of the window make steps in the filter, which places so far apart do not
+// show: exact filters then need sums. Between rows that are interpolated less is lost by that than by
+// straight lines.
+constexpr double kLeastAttenuation = 120, kLeastFreeAttenuation = 100;
+
+GridShape gridIfPossible(const GridShape &grid) { return grid.order() == 0 ? GridShape{} : grid; }
+
+// A grid fine enough to find all else of the signal between its places.
+GridShape gridOfTheSignal(const Settings &settings, double cutOff, std::int64_t taps, bool powerOfTwo) {
+  if (taps < kLeastTapsBetween) return {};
+  const double edge =
+      cutOff * (settings.rollOff + (settings.attenuation - 7.95) / (2 * 14.36 * settings.halfLen));
+  if (edge > 2 * kEdge) return {};
+  if (edge > kEdge) return gridIfPossible({2, 1, taps});
+  auto down = static_cast<std::int64_t>(std::min(kEdge / edge, 256.0));
+  if (powerOfTwo) down = static_cast<std::int64_t>(std::bit_floor(static_cast<std::uint64_t>(down)));
+  return gridIfPossible({1, down, taps});
+}
+
 // Kaiser's shape parameter for an attenuation in dB.
 double kaiserBeta(double attenuation) {
   if (attenuation > 50) return 0.1102 * (attenuation - 8.7);
@@ -36,24 +74,26 @@ class Bessel {
  public:
   explicit Bessel(double beta) {
     double c = 1;
-    for (last_ = 0; last_ < kMost; ++last_) {
-      coefficients_[last_] = c;
-      const double ratio = beta / (2 * (last_ + 1));
+    for (int k = 0; k < kMost && c >= 1e-18; ++k) {
+      coefficients_[k] = c;
+      fours_ = k / 4 + 1;
+      const double ratio = beta / (2 * (k + 1));
       c *= ratio * ratio;
-      if (c < 1e-18) break;
     }
-    if (last_ == kMost) --last_;
   }
+  // Four series in u^4, none of which waits for another.
   double operator()(double u) const {
-    double sum = coefficients_[last_];
-    for (int k = last_ - 1; k >= 0; --k) sum = sum * u + coefficients_[k];
-    return sum;
+    const double v = (u * u) * (u * u);
+    double sums[4] = {};
+    for (int k = 4 * fours_ - 4; k >= 0; k -= 4)
+      for (int i = 0; i < 4; ++i) sums[i] = sums[i] * v + coefficients_[k + i];
+    return (sums[0] + u * sums[1]) + u * u * (sums[2] + u * sums[3]);
   }
 
  private:
   static constexpr int kMost = 72;
-  double coefficients_[kMost];
-  int last_;
+  double coefficients_[kMost] = {};
+  int fours_ = 0;
 };
 
 double sinc(double x) { return x == 0 ? 1.0 : std::sin(kPi * x) / (kPi * x); }
@@ -72,8 +112,10 @@ OrvStatus checkValues(const Settings &settings) {
 }
 
 std::int64_t Shape::bytes() const {
-  return kAlignment - 1 + std::int64_t{sizeof(Converter)} +
-         std::int64_t{sizeof(float)} * (rows * taps + samples);
+  const std::int64_t fixed = kAlignment - 1 + std::int64_t{sizeof(Converter)};
+  const std::int64_t floats = designed.floats() + samples;
+  if (!grid.exists()) return fixed + 4 * floats;
+  return fixed + 4 * (floats + sums.floats() + inputs + 48) + grid.bytes();
 }
 
 Shape fixedShape(const Settings &settings, std::int64_t up, std::int64_t down) {
@@ -83,7 +125,22 @@ Shape fixedShape(const Settings &settings, std::int64_t up, std::int64_t down) {
                                         : (settings.halfLen * down + up - 1) / up;
   const std::int64_t taps = tapsOf(half);
   const double cutOff = up < down ? static_cast<double>(up) / static_cast<double>(down) : 1.0;
-  return {up, up, taps, samplesOf(taps, down), cutOff};
+  const Rows designed = {up, up, taps};
+  if (up != down && up * down <= kMostBranches && taps >= kLeastTaps) {
+    const GridShape grid = gridIfPossible({up, down, taps});
+    if (grid.exists()) return {designed, {1, 0, 2}, grid, samplesOf(grid, 2, 1), 0, cutOff};
+  }
+  if (up != down && settings.attenuation >= kLeastAttenuation) {
+    const GridShape grid = gridOfTheSignal(settings, cutOff, taps, false);
+    if (grid.exists()) {
+      const std::int64_t divisor = std::gcd(up * grid.down, down * grid.up);
+      const std::int64_t phases = up * grid.down / divisor;
+      return {designed, {phases, phases, kTapsBetweenPlaces},
+              grid,     samplesOf(grid, kTapsBetweenPlaces, down * grid.up / divisor),
+              0,        cutOff};
+    }
+  }
+  return {designed, designed, {}, samplesOf(taps, down), 0, cutOff};
 }
 
 Shape freeShape(const Settings &settings, double minRatio) {
@@ -92,31 +149,54 @@ Shape freeShape(const Settings &settings, double minRatio) {
   // Straight lines between rows miss a tone of w radians a sample by w^2 f (P - f) / 2 for f of P rows, whose
   // strongest component is (w / 2 pi P)^2: this many rows put it 6 dB below the stop band at the cut-off.
   const double rows = std::sqrt(std::pow(10.0, settings.attenuation / 20) / 2) * settings.rollOff * cutOff;
-  const auto perSample = static_cast<std::int64_t>(std::ceil(std::clamp(rows, kLeastRows, kMostRows)));
-  return {perSample, perSample + 1, taps, samplesOf(taps, 0), cutOff};
+  const auto rowsOf = [&](double period, std::int64_t rowTaps) {
+    const auto perSample =
+        static_cast<std::int64_t>(std::ceil(std::clamp(rows * period, kLeastRows, kMostRows)));
+    return Rows{perSample, perSample + 1, rowTaps};
+  };
+  const GridShape grid = settings.attenuation >= kLeastFreeAttenuation
+                             ? gridOfTheSignal(settings, cutOff, taps, true)
+                             : GridShape{};
+  if (!grid.exists()) return {rowsOf(1, taps), rowsOf(1, taps), {}, samplesOf(taps, 0), 0, cutOff};
+  const std::int64_t samples = samplesOf(grid, kTapsBetweenPlaces, 0);
+  return {{1, 0, taps},
+          rowsOf(static_cast<double>(grid.down) / static_cast<double>(grid.up), kTapsBetweenPlaces),
+          grid,
+          samples,
+          samples * grid.down / grid.up,
+          cutOff};
 }
 
-void design(const Settings &settings, const Shape &shape, float *rows) {
+void designBetweenPlaces(const Rows &rows, float *to) { design(kBetweenPlaces, 1.0, rows, to); }
+
+void design(const Settings &settings, double cutOff, const Rows &shape, float *rows) {
   const std::int64_t half = shape.taps / 2;
-  if (shape.passesThrough()) {
+  if (cutOff == 1 && shape.count == 1) {
     for (std::int64_t k = 0; k < shape.taps; ++k) rows[k] = k == half - 1 ? 1.0F : 0.0F;
     return;
   }
   const Bessel bessel(kaiserBeta(settings.attenuation));
   const auto tap = [&](std::int64_t row, std::int64_t k) {
-    const double crossings = shape.cutOff * (static_cast<double>(row) / static_cast<double>(shape.perSample) +
-                                             static_cast<double>(half - 1 - k));
+    const double crossings = cutOff * (static_cast<double>(row) / static_cast<double>(shape.perSample) +
+                                       static_cast<double>(half - 1 - k));
     const double x = crossings / settings.halfLen;
     return std::fabs(x) < 1 ? sinc(settings.rollOff * crossings) * bessel((1 - x) * (1 + x)) : 0.0;
   };
   // Row P - p is row p backwards. Each is scaled to a sum of 1, so that a constant signal has no images.
   for (std::int64_t p = 0; p <= shape.perSample / 2; ++p) {
-    double sum = 0;
-    for (std::int64_t k = 0; k < shape.taps; ++k) sum += tap(p, k);
+    // The taps of longer rows are computed again.
+    constexpr std::int64_t most = 1024;
+    double sum = 0, taps[most];
+    for (std::int64_t k = 0; k < shape.taps; ++k) {
+      const double value = tap(p, k);
+      if (k < most) taps[k] = value;
+      sum += value;
+    }
     float *row = rows + p * shape.taps;
-    for (std::int64_t k = 0; k < shape.taps; ++k) row[k] = static_cast<float>(tap(p, k) / sum);
+    for (std::int64_t k = 0; k < shape.taps; ++k)
+      row[k] = static_cast<float>((k < most ? taps[k] : tap(p, k)) / sum);
     const std::int64_t mirror = shape.perSample - p;
-    if (mirror == p || mirror >= shape.rows) continue;
+    if (mirror == p || mirror >= shape.count) continue;
     for (std::int64_t k = 0; k < shape.taps; ++k) rows[mirror * shape.taps + k] = row[shape.taps - 1 - k];
   }
 }

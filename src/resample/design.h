@@ -6,11 +6,19 @@
 #include <cstdint>
 
 #include "orvsr/types.h"
+#include "resample/grid.h"
 
 namespace orv::resample {
 
 constexpr double kMinRatio = 1.0 / 256;
 constexpr double kMaxRatio = 256.0;
+
+// Samples behind a grid that may wait in the buffer until the fast loop can take them, in a call that has
+// more.
+constexpr std::int64_t kMostHeldBack = 4096;
+
+// Of the filter that finds outputs between the places of a grid.
+constexpr std::int32_t kTapsBetweenPlaces = 24;
 
 struct Settings {
   std::int32_t halfLen;  // zero crossings of the sinc on either side
@@ -22,17 +30,26 @@ struct Settings {
 OrvStatus checkLength(const Settings &settings);
 OrvStatus checkValues(const Settings &settings);
 
-// The subfilters of a converter. Row p, of an even number of taps, gives the signal at p / perSample input
-// periods behind the sample that its tap taps / 2 - 1 meets.
-struct Shape {
-  std::int64_t perSample;  // rows in an input period
-  std::int64_t rows;       // of those that are kept: one more if rows are interpolated
-  std::int64_t taps;       // of a row, a multiple of 8
-  std::int64_t samples;    // of the buffer of inputs, which holds the windows of many outputs
-  double cutOff;           // the lower Nyquist frequency, of the input's
+// Subfilters. Row p, of an even number of taps, gives the signal at p / perSample sampling periods behind the
+// sample that its tap taps / 2 - 1 meets.
+struct Rows {
+  std::int64_t perSample;  // rows in a period
+  std::int64_t count;      // of those that are kept: one more than that if rows are interpolated
+  std::int64_t taps;       // of a row
 
-  // Equal rates, of which the one row is a unit impulse.
-  bool passesThrough() const { return rows == 1 && cutOff == 1; }
+  std::int64_t floats() const { return count * taps; }
+};
+
+// The parts of a converter. Short filters are summed over the inputs themselves. Long ones are carried out on
+// a grid, on which outputs stand or between whose places a second, short filter finds them.
+struct Shape {
+  Rows designed;         // the filter itself
+  Rows sums;             // what is summed over the buffer of samples: `designed`, or the second filter
+  GridShape grid;        // what is put into that buffer, if not the inputs
+  std::int64_t samples;  // of the buffer, which holds the windows of many outputs
+  std::int64_t inputs;   // of the buffer of those inputs that lie on the grid; 0 where they are not needed
+  double cutOff;         // the lower Nyquist frequency, of the input's
+
   std::int64_t bytes() const;  // of the whole object, at any start
 };
 
@@ -40,8 +57,10 @@ struct Shape {
 Shape fixedShape(const Settings &settings, std::int64_t up, std::int64_t down);
 Shape freeShape(const Settings &settings, double minRatio);
 
-// Fills shape.rows rows of shape.taps taps.
-void design(const Settings &settings, const Shape &shape, float *rows);
+// Fills rows.count rows of taps; a single row without a cut-off is a unit impulse.
+void design(const Settings &settings, double cutOff, const Rows &rows, float *to);
+// Of the second filter, which leaves what it is given as it is.
+void designBetweenPlaces(const Rows &rows, float *to);
 
 }  // namespace orv::resample
 

@@ -47,8 +47,8 @@ Two twoOutputs(const float *x, const float *row, const float *y, const float *ro
   return {sumLanes(a0 + a1), sumLanes(b0 + b1)};
 }
 
-// One window through a row and the next.
-Two twoRows(const float *x, const float *row, std::int32_t taps) {
+// The lanes of one window through what lies at `part` between a row and the next.
+f32x4 betweenRows(const float *x, const float *row, std::int32_t taps, float part) {
   const float *next = row + taps;
   f32x4 a0 = splat4(0.0F), a1 = a0, b0 = a0, b1 = a0;
   for (std::int32_t k = 0; k < taps; k += 8) {
@@ -58,7 +58,8 @@ Two twoRows(const float *x, const float *row, std::int32_t taps) {
     a1 = a1 + x1 * loadAligned4(row + k + 4);
     b1 = b1 + x1 * loadAligned4(next + k + 4);
   }
-  return {sumLanes(a0 + a1), sumLanes(b0 + b1)};
+  const f32x4 a = a0 + a1;
+  return a + ((b0 + b1) - a) * part;
 }
 
 const float *rowAt(Converter &c) { return c.filter() + static_cast<std::ptrdiff_t>(c.clock.rest) * c.taps; }
@@ -93,26 +94,127 @@ void wholePeriods(Converter &c, float *dst, std::ptrdiff_t period) {
   c.first += static_cast<std::int32_t>(periods * period);
 }
 
-// Beyond the last input by so little that the product of the number of inputs and the ratio, as a double, is
-// the number of outputs already made.
-bool roundedAway(const Converter &c) {
+// At or beyond the end of the inputs, or before it by so little that the product of their number and the
+// ratio, as a double, is the number of outputs already made.
+bool isBeyondEnd(const Converter &c) {
+  const std::uint64_t end = c.clock.modulus * static_cast<std::uint64_t>(c.endPart);
+  const std::uint64_t at = c.clock.rest * static_cast<std::uint64_t>(c.endParts);
+  if (at >= end) return true;
+  if (c.made == 0) return false;
   const int halfPlace = static_cast<int>(std::bit_width(c.made)) + std::countr_zero(c.outputPeriod) - 54;
-  if (c.made == 0 || halfPlace < 0) return false;
-  return c.clock.modulus - c.clock.rest <= std::uint64_t{1} << std::min(halfPlace, 63);
+  return halfPlace >= 0 && (end - at - 1) >> std::min(halfPlace, 63) < static_cast<std::uint64_t>(c.endParts);
+}
+
+// Whether there is a next output, and its window is there.
+bool isDue(const Converter &c) {
+  const std::int32_t windows = c.windows();
+  return windows > 1 || (windows == 1 && !(c.tail == 0 && isBeyondEnd(c)));
+}
+
+// The inputs that are kept of as many samples, and the one under a sample that stands on an input.
+std::int32_t inputsIn(const Converter &c, std::int32_t samples) {
+  return static_cast<std::int32_t>(std::int64_t{samples} * c.gridDown / c.gridUp);
+}
+float *inputAt(Converter &c, std::int32_t sample) { return c.inputs() + inputsIn(c, sample); }
+
+// Whether the next output stands on an input, and those inputs one by one while all outputs do.
+bool standsOnInput(const Converter &c) {
+  const std::int64_t inputs = std::int64_t{c.first + c.taps / 2 - 1} * c.gridDown;
+  return inputs % c.gridUp == 0 &&
+         c.clock.rest * static_cast<std::uint64_t>(c.gridDown) % c.clock.modulus == 0;
+}
+std::int32_t keptInputs(Converter &c, float *dst, std::int32_t room) {
+  std::int32_t made = 0;
+  for (; made < room && isDue(c); ++made, ++c.made) {
+    const float *under = inputAt(c, c.first + c.taps / 2 - 1);
+    store(dst + made, under[c.clock.rest * static_cast<std::uint64_t>(c.gridDown) / c.clock.modulus]);
+    c.first += c.clock.advance();
+  }
+  return made;
+}
+
+// Outputs at any place between samples, by rows that are interpolated: taps of them, or as many as the state
+// says.
+template <std::int32_t fixedTaps>
+std::int32_t sumsBetweenRows(Converter &c, float *dst, std::int32_t room) {
+  const std::int32_t taps = fixedTaps > 0 ? fixedTaps : c.taps, last = c.perSample - 1;
+  const float *samples = c.samples(), *rows = c.filter();
+  const double rowsPerPart = c.rowsPerPart;
+  Clock clock = c.clock;
+  std::int32_t first = c.first;
+  const auto lanes = [&] {
+    const double row = static_cast<double>(static_cast<std::int64_t>(clock.rest)) * rowsPerPart;
+    const std::int32_t whole = std::min(static_cast<std::int32_t>(row), last);
+    const f32x4 sum = betweenRows(samples + first, rows + std::ptrdiff_t{whole} * taps, taps,
+                                  static_cast<float>(row - whole));
+    first += clock.advance();
+    return sum;
+  };
+  std::int32_t made = 0;
+  // Four outputs before the window of the last, which may lie beyond the end.
+  const std::int64_t end = c.filled - c.taps - 4 * (static_cast<std::int64_t>(clock.wholeStep) + 1);
+  for (; room - made >= 4 && first < end; made += 4) {
+    const f32x4 a0 = lanes(), a1 = lanes(), a2 = lanes(), a3 = lanes();
+    store4(dst + made, sumLanesOfFour(a0, a1, a2, a3));
+  }
+  c.made += static_cast<std::uint64_t>(made);
+  c.clock = clock;
+  c.first = first;
+  while (made < room && isDue(c)) {
+    store(dst + made, sumLanes(lanes()));
+    ++made;
+    ++c.made;
+    c.clock = clock;
+    c.first = first;
+  }
+  return made;
+}
+
+void buildBehindGrid(Converter &c, const Settings &settings, const Shape &shape) {
+  c.hasGrid = true;
+  c.mostHeldBack = kMostHeldBack;
+  c.ownRows = static_cast<std::int32_t>(roundUp16(shape.sums.floats()));
+  c.keptInputs = static_cast<std::int32_t>(roundUp16(shape.inputs));
+  c.gridUp = static_cast<std::int32_t>(shape.grid.up);
+  c.gridDown = static_cast<std::int32_t>(shape.grid.down);
+  designBetweenPlaces(shape.sums, c.filter());
+  // The grid begins on an input, as far ahead of the first as the first window does, or a little more.
+  const std::int32_t ahead = c.taps / 2 - 1, begun = (ahead + c.gridUp - 1) / c.gridUp;
+  c.first = begun * c.gridUp - ahead;
+  Grid &grid = c.grid();
+  placeGrid(grid, shape.grid, std::int64_t{begun} * c.gridDown);
+  const float *rows = c.designed();
+  if (shape.sums.count != 0) {
+    // The places between which outputs lie need rows that are not among those of the design.
+    design(settings, shape.cutOff, {c.gridUp, c.gridUp, shape.grid.taps}, grid.inputs());
+    rows = grid.inputs();
+  }
+  setFilters(grid, shape.grid, rows);
 }
 
 }  // namespace
 
 void build(Converter &c, std::int32_t tag, const Settings &settings, const Shape &shape) {
   c = Converter{};
-  c.perSample = static_cast<std::int32_t>(shape.perSample);
-  c.rows = static_cast<std::int32_t>(shape.rows);
-  c.taps = static_cast<std::int32_t>(shape.taps);
+  c.perSample = static_cast<std::int32_t>(shape.sums.perSample);
+  c.rows = static_cast<std::int32_t>(shape.sums.count);
+  c.taps = static_cast<std::int32_t>(shape.sums.taps);
   c.capacity = static_cast<std::int32_t>(shape.samples);
-  c.filled = c.taps / 2 - 1;
+  c.designedRows = static_cast<std::int32_t>(shape.designed.count);
+  c.designedTaps = static_cast<std::int32_t>(shape.designed.taps);
   c.tail = kNoInputEnd;
-  design(settings, shape, c.filter());
-  std::fill_n(c.samples(), c.filled, 0.0F);
+  c.endPart = 1;
+  c.endParts = 1;
+  c.gridUp = 1;
+  c.gridDown = 1;
+  design(settings, shape.cutOff, shape.designed, c.designed());
+  if (shape.grid.exists()) {
+    buildBehindGrid(c, settings, shape);
+  } else {
+    c.mostHeldBack = (c.capacity - c.taps) / 2;
+    c.filled = c.taps / 2 - 1;
+    std::fill_n(c.samples(), c.filled, 0.0F);
+  }
   c.tag = tag;
 }
 
@@ -127,7 +229,10 @@ void setRatio(Converter &c, double ratio) {
     const double part = static_cast<double>(clock.rest) / static_cast<double>(clock.modulus);
     clock.rest = std::min(static_cast<std::uint64_t>(part * static_cast<double>(mantissa)), mantissa - 1);
   }
-  c.outputPeriod = std::uint64_t{1} << place;
+  // The grid of a converter of any ratio has a power of two of places in an input period.
+  const int gridPlace = place + std::countr_zero(static_cast<std::uint32_t>(c.gridUp)) -
+                        std::countr_zero(static_cast<std::uint32_t>(c.gridDown));
+  c.outputPeriod = std::uint64_t{1} << gridPlace;
   clock.modulus = mantissa;
   clock.wholeStep = c.outputPeriod / mantissa;
   clock.restStep = c.outputPeriod % mantissa;
@@ -147,6 +252,54 @@ std::int32_t makeRoom(Converter &c, std::int32_t wanted) {
   return c.capacity - c.filled;
 }
 
+void takeBlock(Converter &c, std::int32_t wanted) {
+  Grid &grid = c.grid();
+  const bool keeps = c.keptInputs > 0;
+  if (c.capacity - c.filled < grid.outputs()) {
+    // Whole periods of the grid, so that the first sample stays on an input.
+    const std::int32_t dropped = c.first / c.gridUp * c.gridUp;
+    if (keeps) orvsMove_32f(inputAt(c, dropped), c.inputs(), inputsIn(c, c.filled - dropped));
+    orvsMove_32f(c.samples() + dropped, c.samples(), c.filled - dropped);
+    c.first -= dropped;
+    c.filled -= dropped;
+  }
+  if (keeps) copyInputs(grid.inputs() + grid.half, inputAt(c, c.filled), grid.down * grid.steps);
+  grid.makeBlock(c.samples() + c.filled);
+  c.filled += std::min(wanted, grid.outputs());
+}
+
+void setEnd(Converter &c) {
+  if (!c.hasGrid) {
+    c.tail = c.taps / 2;
+    return;
+  }
+  // Places from the first of the next block on.
+  const Grid &grid = c.grid();
+  const std::int64_t places = std::int64_t{grid.filled - grid.half} * c.gridUp;
+  const auto rest = static_cast<std::int32_t>(places % c.gridDown);
+  c.tail = static_cast<std::int32_t>(places / c.gridDown) + (rest > 0 ? 1 : 0) + c.taps / 2;
+  if (rest > 0) {
+    c.endPart = rest;
+    c.endParts = c.gridDown;
+  }
+}
+
+void takeTail(Converter &c) {
+  std::int32_t now;
+  if (c.hasGrid) {
+    Grid &grid = c.grid();
+    std::fill_n(grid.inputs() + grid.filled, grid.room(), 0.0F);
+    grid.filled += grid.room();
+    now = std::min(c.tail, grid.outputs());
+    takeBlock(c, now);
+  } else {
+    now = std::min(c.tail, makeRoom(c, c.tail));
+    std::fill_n(c.samples() + c.filled, now, 0.0F);
+    c.filled += now;
+  }
+  c.tail -= now;
+}
+
 std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool moreToCome) {
   if (c.clock.isSampleBySample()) return passThrough(c, dst, room);
   const float *samples = c.samples();
@@ -158,15 +311,15 @@ std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool more
       static_cast<std::int64_t>(clock.wholeStep) * rows + static_cast<std::int64_t>(clock.restStep);
   for (; room - made >= 4 * rows && c.windows() > 4 * period; made += 4 * c.rows)
     wholePeriods<4>(c, dst + made, period);
-  // With twice as many samples in the buffer the rest of them will be taken four at a time too.
-  if (moreToCome && room - made >= 4 * rows && 8 * period <= c.capacity - c.taps) return made;
+  // With more samples in the buffer the rest of them will be taken four at a time too.
+  if (moreToCome && room - made >= 4 * rows && 4 * period <= c.mostHeldBack) return made;
   for (; room - made >= 2 * rows && c.windows() > 2 * period; made += 2 * c.rows)
     wholePeriods<2>(c, dst + made, period);
 
-  while (made < room && c.windows() > 0) {
+  while (made < room && isDue(c)) {
     const float *x = samples + c.first, *row = rowAt(c);
     c.first += clock.advance();
-    if (made + 1 < room && c.windows() > 0) {
+    if (made + 1 < room && isDue(c)) {
       const Two outputs = twoOutputs(x, row, samples + c.first, rowAt(c), c.taps);
       store(dst + made, outputs.first);
       store(dst + made + 1, outputs.second);
@@ -181,24 +334,12 @@ std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool more
 }
 
 std::int32_t produceFree(Converter &c, float *dst, std::int32_t room, bool /*moreToCome*/) {
-  Clock &clock = c.clock;
-  std::int32_t made = 0;
-  if (clock.isSampleBySample()) {
-    made = passThrough(c, dst, room);
-    c.made += static_cast<std::uint64_t>(made);
-    return made;
-  }
-  const float *samples = c.samples();
-  for (; made < room && c.windows() > 0; ++made) {
-    if (c.tail == 0 && c.windows() == 1 && roundedAway(c)) break;
-    const double row = static_cast<double>(clock.rest) * c.rowsPerPart;
-    const std::int32_t whole = std::min(static_cast<std::int32_t>(row), c.perSample - 1);
-    const auto part = static_cast<float>(row - whole);
-    const Two rows = twoRows(samples + c.first, c.filter() + std::ptrdiff_t{whole} * c.taps, c.taps);
-    store(dst + made, rows.first + part * (rows.second - rows.first));
-    c.first += clock.advance();
-    ++c.made;
-  }
+  if (c.keptInputs > 0 && c.ratio == 1 && standsOnInput(c)) return keptInputs(c, dst, room);
+  if (!c.clock.isSampleBySample())
+    return c.taps == kTapsBetweenPlaces ? sumsBetweenRows<kTapsBetweenPlaces>(c, dst, room)
+                                        : sumsBetweenRows<0>(c, dst, room);
+  const std::int32_t made = passThrough(c, dst, room);
+  c.made += static_cast<std::uint64_t>(made);
   return made;
 }
 

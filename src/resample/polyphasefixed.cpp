@@ -40,9 +40,11 @@ OrvStatus getSize(const Rates &rates, const Settings &settings, std::int32_t *si
 
 void start(Converter &c, std::int32_t tag, const Rates &rates, const Settings &settings, const Shape &shape) {
   build(c, tag, settings, shape);
-  const auto up = static_cast<std::uint64_t>(shape.perSample);
-  const std::uint64_t down =
-      static_cast<std::uint64_t>(rates.src) * up / static_cast<std::uint64_t>(rates.dst);
+  // Of the samples that are summed, in which the rows lie as the rates do.
+  const auto up = static_cast<std::uint64_t>(shape.sums.perSample);
+  const std::uint64_t down = static_cast<std::uint64_t>(rates.src) * up *
+                             static_cast<std::uint64_t>(c.gridUp) /
+                             (static_cast<std::uint64_t>(rates.dst) * static_cast<std::uint64_t>(c.gridDown));
   c.clock = {up, 0, down / up, down % up};
 }
 
@@ -72,13 +74,13 @@ OrvStatus getFilter(const void *state, std::int32_t tag, float *filter, std::int
     return orvStsNullPtrErr;
   Converter &c = *converterIn(const_cast<void *>(state));
   if (c.tag != tag) return orvStsContextMatchErr;
-  const std::int64_t all = std::int64_t{c.rows} * c.taps;
+  const std::int64_t all = c.designedFloats();
   if (len != 0 && len < all) return orvStsSizeErr;
   if (len != 0)
-    ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(c.filter()), reinterpret_cast<std::uint8_t *>(filter),
-                static_cast<std::size_t>(all) * sizeof(float));
-  store(phases, c.rows);
-  store(taps, c.taps);
+    ownsCopy_8u(reinterpret_cast<const std::uint8_t *>(c.designed()),
+                reinterpret_cast<std::uint8_t *>(filter), static_cast<std::size_t>(all) * sizeof(float));
+  store(phases, c.designedRows);
+  store(taps, c.designedTaps);
   return orvStsNoErr;
 }
 

@@ -16,8 +16,8 @@
 namespace orv::test {
 
 struct Settings {
-  std::int32_t halfLen = 64;  // the default that the header names
-  double rollOff = 0.945, attenuation = 106;
+  std::int32_t halfLen = 112;  // the default that the header names
+  double rollOff = 0.9615, attenuation = 132;
 };
 
 template <class T>

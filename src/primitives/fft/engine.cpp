@@ -109,8 +109,13 @@ void inverse(const OrvRealFftState32f &spec, const float *packed, float *dst, st
   const std::size_t len = std::size_t{1} << spec.order;
   alignas(64) float values[kMaxRealLen];
   differencesAndSums({load(packed), load(packed + len - 1)}, packed + 1, len, 1.0F, values);
-  const Ends ends = shortForward(spec, values, values + 2, 1.0F);
-  differencesAndSums(ends, values + 2, len, factor, dst);
+  hartley(spec, values, dst, factor);
+}
+
+void hartley(const OrvRealFftState32f &spec, const float *src, float *dst, float factor) {
+  alignas(64) float bins[kMaxRealLen + 2];
+  const Ends ends = shortForward(spec, src, bins + 2, 1.0F);
+  differencesAndSums(ends, bins + 2, std::size_t{1} << spec.order, factor, dst);
 }
 
 }  // namespace orv::fft

@@ -22,6 +22,10 @@ struct Ends {
 void forward(const OrvRealFftState32f &spec, const float *src, float *dst, Layout layout, std::uint8_t *work);
 void inverse(const OrvRealFftState32f &spec, const float *packed, float *dst, std::uint8_t *work);
 
+// dst[k] = factor * sum over n of src[n] (cos + sin)(2 pi n k / N), of at most 4096 values. With Rk - Ik at k
+// and Rk + Ik at N - k as its source this is the inverse transform of a spectrum. The arrays may be the same.
+void hartley(const OrvRealFftState32f &spec, const float *src, float *dst, float factor);
+
 }  // namespace orv::fft
 
 #endif
