@@ -7,7 +7,9 @@
 #include "bench/data.h"
 #include "bench/ratio.h"
 #include "common/featurechain.h"
+#include "common/noisereduction.h"
 #include "common/pitchtracker.h"
+#include "common/suppressor.h"
 
 namespace orv::bench {
 namespace {
@@ -46,6 +48,25 @@ void addHostCases() {
   Case("hosts/PitchTrack/16 kHz").fixedPeer("real time", 200.0, length).ours([] {
     return [recording = voice(16000, length)] {
       benchmark::DoNotOptimize(trackPitch(recording, PitchOptions()));
+    };
+  });
+
+  // Both methods of `orv denoise` on as much.
+  const auto keep = [](const auto &some) { benchmark::DoNotOptimize(&some); };
+  for (const auto &[name, gain] :
+       {std::pair("wiener", SuppressionGain::wiener), {"emns", SuppressionGain::emns}}) {
+    Case(std::string("hosts/Denoise/16 kHz/mcra, ") + name).fixedPeer("real time", 100.0, length).ours([=] {
+      return [=, recording = voice(16000, length), suppressor = Suppressor(16000, gain)]() mutable {
+        suppressor.push(recording.samples, keep);
+        suppressor.flush(keep);
+      };
+    });
+  }
+  Case("hosts/Denoise/16 kHz/aurora").fixedPeer("real time", 100.0, length).ours([=] {
+    return [=, recording = voice(16000, length)] {
+      NoiseReducer reducer(NoiseReducer::Aim::listening);
+      reducer.push(recording.samples, keep);
+      reducer.flush(keep);
     };
   });
 }

@@ -17,6 +17,7 @@ namespace {
 // Tuned on prompts in white noise, car noise and babble: see the table of docs/hosts.md.
 constexpr double kLeastFrame = 0.02;  // seconds; the transform rounds up to a power of two
 constexpr std::size_t kOverlap = 2;   // frames that a sample is part of
+constexpr double kAhead = 1;          // seconds by which the noise is known before a frame is weighed
 constexpr double kMemory = 0.94;      // of the expected ratio, per 8 ms
 constexpr double kRise = 4;      // seconds in which the noise that is taken off follows the tracked one up
 constexpr double kFall = 0.2;    // and down
@@ -42,6 +43,7 @@ struct Suppressor::State {
         hop(size / kOverlap),
         bins(half + 1),
         memory(static_cast<float>(std::pow(kMemory, 125.0 * seconds(hop)))),
+        ahead(static_cast<std::size_t>(std::ceil(kAhead * sampleRate / static_cast<double>(hop)))),
         rise(static_cast<float>(seconds(hop) / kRise)),
         fall(static_cast<float>(seconds(hop) / kFall)),
         fft(size),
@@ -49,6 +51,7 @@ struct Suppressor::State {
         frame(size),
         windowed(size),
         spectrum(size),
+        coming(ahead, std::vector<float>(size)),
         sums(size),
         power(bins),
         smoothed(bins),
@@ -77,19 +80,27 @@ struct Suppressor::State {
         "orvsAltInitMCRA_32f");
     std::fill(frame.begin(), frame.end(), 0.0f);
     std::fill(sums.begin(), sums.end(), 0.0f);
+    for (auto &one : coming) std::fill(one.begin(), one.end(), 0.0f);
     std::fill(tracked.begin(), tracked.end(), 0.0f);
     std::fill(noise.begin(), noise.end(), 0.0f);
     std::fill(kept.begin(), kept.end(), 0.0f);
     waiting = hop;
-    skip = size - hop;
+    oldest = 0;
+    skip = size - hop + ahead * hop;
     owed = 0;
     learnt = 0;
   }
 
-  // The frame is full: its first samples get no more to add, and leave.
+  // The frame is full: the noise learns from it. The frame that came in so much earlier is weighed; what it
+  // adds to is complete in its first samples, which leave.
   void process(const Sink &sink) {
     for (std::size_t i = 0; i < size; ++i) windowed[i] = window[i] * frame[i];
     fft.forward(windowed.data(), spectrum.data());
+    takePower();
+    trackNoise();
+    std::swap(spectrum, coming[oldest]);
+    oldest = (oldest + 1) % ahead;
+    takePower();
     weigh();
     fft.inverse(spectrum.data(), windowed.data());
     for (std::size_t i = 0; i < size; ++i) sums[i] += window[i] * windowed[i];
@@ -105,8 +116,6 @@ struct Suppressor::State {
   }
 
   void weigh() {
-    takePower();
-    trackNoise();
     const auto len = static_cast<std::int32_t>(bins);
     for (std::size_t k = 0; k < bins; ++k) {
       const float inverse = 1 / std::max(kExcess * noise[k], silence());
@@ -174,11 +183,15 @@ struct Suppressor::State {
   int rate;
   SuppressionGain gain;
   std::size_t size, half, hop, bins;
-  float memory, rise, fall;  // per frame
+  float memory;       // of the expected ratio, per frame
+  std::size_t ahead;  // frames between coming in and being weighed
+  float rise, fall;   // per frame
   RealFft fft;
   std::vector<float> window;
   std::vector<float> frame;  // what the next frame shares with the last, and what came in since
   std::vector<float> windowed, spectrum;
+  std::vector<std::vector<float>> coming;  // spectra that wait to be weighed, a ring
+  std::size_t oldest = 0;
   std::vector<float> sums;  // overlapped frames
   std::vector<float> power, smoothed;
   std::vector<float> tracked, noise;  // the tracker's, and what is taken off

@@ -15,7 +15,8 @@ namespace orv {
 enum class SuppressionGain { wiener, emns };
 
 // Frames of 21 to 32 ms, half of one apart, are transformed, weighed bin by bin and added up again. The
-// noise of each bin is tracked by minima controlled recursive averaging. The expected ratio of speech to
+// noise of each bin is tracked by minima controlled recursive averaging, and known a second ahead: frames
+// wait so long before they are weighed, since a tracker of minima is late. The expected ratio of speech to
 // noise comes from the frame and from what the last one left, decision-directed.
 //
 // Sources of the method: I. Cohen, B. Berdugo, IEEE Signal Processing Letters 9 (2002), for the noise;

@@ -30,10 +30,11 @@ Samples plus(Samples a, const Samples &b, float gain) {
   return a;
 }
 
-// Signal to error in dB from the second second on, when the noise is known.
-double ratio(const Samples &clean, const Samples &other, int rate) {
+// Signal to error in dB of the seconds from first on.
+double ratio(const Samples &clean, const Samples &other, int rate, double first = 1, double last = 1e9) {
   double signal = 0, error = 0;
-  for (std::size_t n = static_cast<std::size_t>(rate); n < clean.size(); ++n) {
+  for (auto n = static_cast<std::size_t>(rate * first);
+       n < clean.size() && static_cast<double>(n) < rate * last; ++n) {
     signal += clean[n] * clean[n];
     error += (clean[n] - other[n]) * (clean[n] - other[n]);
   }
@@ -65,6 +66,19 @@ TEST(Suppressor, TakesNoiseOffAndLeavesCleanSoundAlone) {
           ratio(clean, suppressed(plus(clean, noise(clean.size(), 0.5f, 2), 0.0003f), rate, gain), rate), 25);
     }
   }
+
+  // Louder noise is taken off from the moment that it sets in, not only once its minima are known.
+  const Samples clean = bursts(8000, 6);
+  Samples louder = plus(clean, noise(clean.size(), 0.5f, 1), 0.1f);
+  const Samples more = noise(clean.size(), 0.5f, 3);
+  for (std::size_t n = 24000; n < more.size(); ++n) louder[n] += 0.4f * more[n];
+  const Samples quieter = suppressed(louder, 8000, SuppressionGain::wiener);
+  const auto gained = [&](double first, double last) {
+    return ratio(clean, quieter, 8000, first, last) - ratio(clean, louder, 8000, first, last);
+  };
+  EXPECT_GT(gained(3, 4), 1.5);
+  EXPECT_GT(gained(4, 5), 3.5);
+
   EXPECT_THROW(Suppressor(7999, SuppressionGain::wiener), Error);
   EXPECT_THROW(Suppressor(48001, SuppressionGain::wiener), Error);
 }
