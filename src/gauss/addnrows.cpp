@@ -1,12 +1,11 @@
 // orvsAddNRows_32f_D2: the sum of chosen rows of a matrix.
 
-#include "gauss/checks.h"
-#include "gauss/rows.h"
 #include "orvsr/gauss.h"
+#include "primitives/memory.h"
+#include "primitives/rows.h"
 #include "primitives/simd.h"
 
 using namespace orv;
-using namespace orv::gauss;
 
 namespace {
 
@@ -18,7 +17,7 @@ struct RowNumbers {
 
 // Vectors of four columns from column c on: value first, then the rows in their order.
 template <int vectors>
-void addColumns(const StridedRows<float> &matrix, const RowNumbers &numbers, std::int32_t count,
+void addColumns(const StridedRows<const float> &matrix, const RowNumbers &numbers, std::int32_t count,
                 std::ptrdiff_t c, float *dst, float value) {
   simd::f32x4 sums[vectors];
   for (auto &sum : sums) sum = simd::splat4(value);
@@ -41,7 +40,7 @@ OrvStatus orvsAddNRows_32f_D2(const float *pSrc, int32_t height, int32_t offset,
   for (std::int32_t i = 0; i < count; ++i)
     if (numbers(i) < 0 || numbers(i) >= height) return orvStsSizeErr;
 
-  const StridedRows<float> matrix{pSrc + offset, step};
+  const StridedRows<const float> matrix{pSrc + offset, step};
   std::ptrdiff_t c = 0;
   for (; len - c >= 16; c += 16) addColumns<4>(matrix, numbers, count, c, pDst, value);
   for (; len - c >= 4; c += 4) addColumns<1>(matrix, numbers, count, c, pDst, value);

@@ -1,18 +1,18 @@
 // orvsLogGauss_*: many frames against one Gaussian.
 
-#include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
 #include "orvsr/gauss.h"
+#include "primitives/rows.h"
 
 using namespace orv;
 using namespace orv::gauss;
 
 OrvStatus orvsLogGauss_32f_D2(const float *pSrc, int32_t step, const float *pMean, const float *pVar,
                               int32_t featLen, float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<float>{}, Store<Single>{pResult});
   return orvStsNoErr;
@@ -20,9 +20,9 @@ OrvStatus orvsLogGauss_32f_D2(const float *pSrc, int32_t step, const float *pMea
 
 OrvStatus orvsLogGauss_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
                                int32_t featLen, float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pVar};
   scoreRows<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<float>{}, Store<Single>{pResult});
   return orvStsNoErr;
@@ -30,9 +30,9 @@ OrvStatus orvsLogGauss_32f_D2L(const float *const *ppSrc, const float *pMean, co
 
 OrvStatus orvsLogGauss_64f_D2(const double *pSrc, int32_t step, const double *pMean, const double *pVar,
                               int32_t featLen, double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<double>{}, Store<Double>{pResult});
   return orvStsNoErr;
@@ -40,9 +40,9 @@ OrvStatus orvsLogGauss_64f_D2(const double *pSrc, int32_t step, const double *pM
 
 OrvStatus orvsLogGauss_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
                                int32_t featLen, double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pVar};
   scoreRows<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<double>{}, Store<Double>{pResult});
   return orvStsNoErr;
@@ -51,9 +51,9 @@ OrvStatus orvsLogGauss_64f_D2L(const double *const *ppSrc, const double *pMean, 
 OrvStatus orvsLogGauss_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                     const int16_t *pVar, int32_t featLen, int32_t *pResult, int32_t frames,
                                     int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
@@ -62,9 +62,9 @@ OrvStatus orvsLogGauss_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int
 OrvStatus orvsLogGauss_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean, const int16_t *pVar,
                                      int32_t featLen, int32_t *pResult, int32_t frames, int32_t gconst,
                                      int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
@@ -73,9 +73,9 @@ OrvStatus orvsLogGauss_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t 
 OrvStatus orvsLogGauss_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                         const int16_t *pVar, int32_t featLen, int32_t *pResult,
                                         int32_t frames, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
@@ -84,9 +84,9 @@ OrvStatus orvsLogGauss_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const
 OrvStatus orvsLogGauss_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
                                          const int16_t *pVar, int32_t featLen, int32_t *pResult,
                                          int32_t frames, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
@@ -95,9 +95,9 @@ OrvStatus orvsLogGauss_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int1
 OrvStatus orvsLogGauss_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                         const int16_t *pVar, int32_t featLen, float *pResult, int32_t frames,
                                         int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    Store<Converted>{pResult});
@@ -107,9 +107,9 @@ OrvStatus orvsLogGauss_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const
 OrvStatus orvsLogGauss_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                          const int16_t *pVar, int32_t featLen, float *pResult, int32_t frames,
                                          int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    Store<Converted>{pResult});
@@ -119,9 +119,9 @@ OrvStatus orvsLogGauss_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int1
 OrvStatus orvsLogGauss_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                            const int16_t *pVar, int32_t featLen, float *pResult,
                                            int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    Store<Converted>{pResult});
@@ -131,9 +131,9 @@ OrvStatus orvsLogGauss_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, co
 OrvStatus orvsLogGauss_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                             const int16_t *pVar, int32_t featLen, float *pResult,
                                             int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    Store<Converted>{pResult});
@@ -142,9 +142,9 @@ OrvStatus orvsLogGauss_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const i
 
 OrvStatus orvsLogGauss_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean, int32_t featLen,
                                     float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<float>{},
                                      Store<Single>{pResult});
   return orvStsNoErr;
@@ -152,9 +152,9 @@ OrvStatus orvsLogGauss_IdVar_32f_D2(const float *pSrc, int32_t step, const float
 
 OrvStatus orvsLogGauss_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean, int32_t featLen,
                                      float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pMean};
   scoreRows<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<float>{},
                                      Store<Single>{pResult});
   return orvStsNoErr;
@@ -162,9 +162,9 @@ OrvStatus orvsLogGauss_IdVar_32f_D2L(const float *const *ppSrc, const float *pMe
 
 OrvStatus orvsLogGauss_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean, int32_t featLen,
                                     double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<double>{},
                                      Store<Double>{pResult});
   return orvStsNoErr;
@@ -172,9 +172,9 @@ OrvStatus orvsLogGauss_IdVar_64f_D2(const double *pSrc, int32_t step, const doub
 
 OrvStatus orvsLogGauss_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean, int32_t featLen,
                                      double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pMean};
   scoreRows<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<double>{},
                                      Store<Double>{pResult});
   return orvStsNoErr;
@@ -183,9 +183,9 @@ OrvStatus orvsLogGauss_IdVar_64f_D2L(const double *const *ppSrc, const double *p
 OrvStatus orvsLogGauss_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                           int32_t featLen, int32_t *pResult, int32_t frames, int32_t gconst,
                                           int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
@@ -194,9 +194,9 @@ OrvStatus orvsLogGauss_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, con
 OrvStatus orvsLogGauss_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean, int32_t featLen,
                                            int32_t *pResult, int32_t frames, int32_t gconst,
                                            int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     ExactScore{plusOne(scaleFactor)}, StoreSaturated{pResult});
   return orvStsNoErr;
@@ -205,9 +205,9 @@ OrvStatus orvsLogGauss_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const in
 OrvStatus orvsLogGauss_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                              int32_t featLen, int32_t *pResult, int32_t frames,
                                              int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
@@ -216,9 +216,9 @@ OrvStatus orvsLogGauss_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, 
 OrvStatus orvsLogGauss_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
                                               int32_t featLen, int32_t *pResult, int32_t frames,
                                               int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     ExactScore{plusOne(scaleFactor)}, StoreWrapped{pResult});
   return orvStsNoErr;
@@ -227,9 +227,9 @@ OrvStatus orvsLogGauss_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const
 OrvStatus orvsLogGauss_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                              int32_t featLen, float *pResult, int32_t frames,
                                              int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{halvedScale(scaleFactor)}, Store<Converted>{pResult});
   return orvStsNoErr;
@@ -238,9 +238,9 @@ OrvStatus orvsLogGauss_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step, 
 OrvStatus orvsLogGauss_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                               int32_t featLen, float *pResult, int32_t frames,
                                               int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{halvedScale(scaleFactor)}, Store<Converted>{pResult});
   return orvStsNoErr;
@@ -249,9 +249,9 @@ OrvStatus orvsLogGauss_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const
 OrvStatus orvsLogGauss_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                                 int32_t featLen, float *pResult, int32_t frames,
                                                 int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                         Store<Converted>{pResult});
@@ -261,9 +261,9 @@ OrvStatus orvsLogGauss_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t ste
 OrvStatus orvsLogGauss_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                  int32_t featLen, float *pResult, int32_t frames,
                                                  int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                         Store<Converted>{pResult});

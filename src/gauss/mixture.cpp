@@ -3,19 +3,19 @@
 // The orders of checks are not uniform and are meant to differ: the 32f and 64f members with a row step test
 // pointers before the stride, the Scaled and LowScaled ones the stride before pointers.
 
-#include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
 #include "orvsr/gauss.h"
+#include "primitives/rows.h"
 
 using namespace orv;
 using namespace orv::gauss;
 
 OrvStatus orvsLogGaussMixture_32f_D2(const float *pSrc, const float *pMean, const float *pVar, int32_t nMix,
                                      int32_t step, int32_t featLen, const float *pGConst, float *pResult) {
-  const OrvStatus status = checkPointersFirst(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
+  const OrvStatus status = checkNullStrideSize(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<float>> block{{pMean, step}, {pVar, step}, pSrc};
+  const ComponentBlock<StridedRows<const float>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Single, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<float>{},
                                                 Mixture<Single, LogDomain32f>(pResult));
@@ -25,9 +25,9 @@ OrvStatus orvsLogGaussMixture_32f_D2(const float *pSrc, const float *pMean, cons
 OrvStatus orvsLogGaussMixture_32f_D2L(const float *pSrc, const float *const *ppMean,
                                       const float *const *ppVar, int32_t nMix, int32_t featLen,
                                       const float *pGConst, float *pResult) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<float>> block{{ppMean}, {ppVar}, pSrc};
+  const ComponentBlock<RowPointers<const float>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Single, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<float>{},
                                                 Mixture<Single, LogDomain32f>(pResult));
@@ -37,9 +37,9 @@ OrvStatus orvsLogGaussMixture_32f_D2L(const float *pSrc, const float *const *ppM
 OrvStatus orvsLogGaussMixture_64f_D2(const double *pSrc, const double *pMean, const double *pVar,
                                      int32_t nMix, int32_t step, int32_t featLen, const double *pGConst,
                                      double *pResult) {
-  const OrvStatus status = checkPointersFirst(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
+  const OrvStatus status = checkNullStrideSize(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<double>> block{{pMean, step}, {pVar, step}, pSrc};
+  const ComponentBlock<StridedRows<const double>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Double, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<double>{},
                                                 Mixture<Double, LogDomain64f>(pResult));
@@ -49,9 +49,9 @@ OrvStatus orvsLogGaussMixture_64f_D2(const double *pSrc, const double *pMean, co
 OrvStatus orvsLogGaussMixture_64f_D2L(const double *pSrc, const double *const *ppMean,
                                       const double *const *ppVar, int32_t nMix, int32_t featLen,
                                       const double *pGConst, double *pResult) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<double>> block{{ppMean}, {ppVar}, pSrc};
+  const ComponentBlock<RowPointers<const double>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Double, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<double>{},
                                                 Mixture<Double, LogDomain64f>(pResult));
@@ -61,9 +61,9 @@ OrvStatus orvsLogGaussMixture_64f_D2L(const double *pSrc, const double *const *p
 OrvStatus orvsLogGaussMixture_Scaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
                                                int32_t nMix, int32_t step, int32_t featLen,
                                                const float *pGConst, float *pResult, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const ComponentBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    Mixture<Converted, LogDomain32f>(pResult));
@@ -73,9 +73,9 @@ OrvStatus orvsLogGaussMixture_Scaled_16s32f_D2(const int16_t *pSrc, const int16_
 OrvStatus orvsLogGaussMixture_Scaled_16s32f_D2L(const int16_t *pSrc, const int16_t *const *ppMean,
                                                 const int16_t *const *ppVar, int32_t nMix, int32_t featLen,
                                                 const float *pGConst, float *pResult, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const ComponentBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    Mixture<Converted, LogDomain32f>(pResult));
@@ -86,9 +86,9 @@ OrvStatus orvsLogGaussMixture_LowScaled_16s32f_D2(const int16_t *pSrc, const int
                                                   const int16_t *pVar, int32_t nMix, int32_t step,
                                                   int32_t featLen, const float *pGConst, float *pResult,
                                                   int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, nMix, pSrc, pMean, pVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const ComponentBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                    HalvedScaledSum{{GetScale_32s32f(scaleFactor)}},
                                                    Mixture<Converted, LogDomain32f>(pResult));
@@ -99,9 +99,9 @@ OrvStatus orvsLogGaussMixture_LowScaled_16s32f_D2L(const int16_t *pSrc, const in
                                                    const int16_t *const *ppVar, int32_t nMix, int32_t featLen,
                                                    const float *pGConst, float *pResult,
                                                    int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, ppVar, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const ComponentBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(nMix, featLen, block, RowConstants{pGConst},
                                                    HalvedScaledSum{{GetScale_32s32f(scaleFactor)}},
                                                    Mixture<Converted, LogDomain32f>(pResult));
@@ -110,9 +110,9 @@ OrvStatus orvsLogGaussMixture_LowScaled_16s32f_D2L(const int16_t *pSrc, const in
 
 OrvStatus orvsLogGaussMixture_IdVar_32f_D2(const float *pSrc, const float *pMean, int32_t nMix, int32_t step,
                                            int32_t featLen, const float *pGConst, float *pResult) {
-  const OrvStatus status = checkPointersFirst(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
+  const OrvStatus status = checkNullStrideSize(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<float>> block{{pMean, step}, {pMean, step}, pSrc};
+  const ComponentBlock<StridedRows<const float>> block{{pMean, step}, {pMean, step}, pSrc};
   scoreRows<Single, Weighting::none>(nMix, featLen, block, RowConstants{pGConst}, DoubledConstant<float>{},
                                      Mixture<Single, LogDomain32f>(pResult));
   return orvStsNoErr;
@@ -120,9 +120,9 @@ OrvStatus orvsLogGaussMixture_IdVar_32f_D2(const float *pSrc, const float *pMean
 
 OrvStatus orvsLogGaussMixture_IdVar_32f_D2L(const float *pSrc, const float *const *ppMean, int32_t nMix,
                                             int32_t featLen, const float *pGConst, float *pResult) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<float>> block{{ppMean}, {ppMean}, pSrc};
+  const ComponentBlock<RowPointers<const float>> block{{ppMean}, {ppMean}, pSrc};
   scoreRows<Single, Weighting::none>(nMix, featLen, block, RowConstants{pGConst}, DoubledConstant<float>{},
                                      Mixture<Single, LogDomain32f>(pResult));
   return orvStsNoErr;
@@ -131,9 +131,9 @@ OrvStatus orvsLogGaussMixture_IdVar_32f_D2L(const float *pSrc, const float *cons
 OrvStatus orvsLogGaussMixture_IdVar_64f_D2(const double *pSrc, const double *pMean, int32_t nMix,
                                            int32_t step, int32_t featLen, const double *pGConst,
                                            double *pResult) {
-  const OrvStatus status = checkPointersFirst(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
+  const OrvStatus status = checkNullStrideSize(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<double>> block{{pMean, step}, {pMean, step}, pSrc};
+  const ComponentBlock<StridedRows<const double>> block{{pMean, step}, {pMean, step}, pSrc};
   scoreRows<Double, Weighting::none>(nMix, featLen, block, RowConstants{pGConst}, DoubledConstant<double>{},
                                      Mixture<Double, LogDomain64f>(pResult));
   return orvStsNoErr;
@@ -141,9 +141,9 @@ OrvStatus orvsLogGaussMixture_IdVar_64f_D2(const double *pSrc, const double *pMe
 
 OrvStatus orvsLogGaussMixture_IdVar_64f_D2L(const double *pSrc, const double *const *ppMean, int32_t nMix,
                                             int32_t featLen, const double *pGConst, double *pResult) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<double>> block{{ppMean}, {ppMean}, pSrc};
+  const ComponentBlock<RowPointers<const double>> block{{ppMean}, {ppMean}, pSrc};
   scoreRows<Double, Weighting::none>(nMix, featLen, block, RowConstants{pGConst}, DoubledConstant<double>{},
                                      Mixture<Double, LogDomain64f>(pResult));
   return orvStsNoErr;
@@ -152,9 +152,9 @@ OrvStatus orvsLogGaussMixture_IdVar_64f_D2L(const double *pSrc, const double *co
 OrvStatus orvsLogGaussMixture_IdVarScaled_16s32f_D2(const int16_t *pSrc, const int16_t *pMean, int32_t nMix,
                                                     int32_t step, int32_t featLen, const float *pGConst,
                                                     float *pResult, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pMean, step}, pSrc};
+  const ComponentBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pMean, step}, pSrc};
   scoreRows<Converted, Weighting::none>(nMix, featLen, block, RowConstants{pGConst},
                                         ScaledSum{halvedScale(scaleFactor)},
                                         Mixture<Converted, LogDomain32f>(pResult));
@@ -164,9 +164,9 @@ OrvStatus orvsLogGaussMixture_IdVarScaled_16s32f_D2(const int16_t *pSrc, const i
 OrvStatus orvsLogGaussMixture_IdVarScaled_16s32f_D2L(const int16_t *pSrc, const int16_t *const *ppMean,
                                                      int32_t nMix, int32_t featLen, const float *pGConst,
                                                      float *pResult, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppMean}, pSrc};
+  const ComponentBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppMean}, pSrc};
   scoreRows<Converted, Weighting::none>(nMix, featLen, block, RowConstants{pGConst},
                                         ScaledSum{halvedScale(scaleFactor)},
                                         Mixture<Converted, LogDomain32f>(pResult));
@@ -177,9 +177,9 @@ OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, cons
                                                        int32_t nMix, int32_t step, int32_t featLen,
                                                        const float *pGConst, float *pResult,
                                                        int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, nMix, pSrc, pMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pMean, step}, pSrc};
+  const ComponentBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pMean, step}, pSrc};
   scoreRows<Converted, Weighting::none>(nMix, featLen, block, RowConstants{pGConst},
                                         ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                         Mixture<Converted, LogDomain32f>(pResult));
@@ -189,9 +189,9 @@ OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, cons
 OrvStatus orvsLogGaussMixture_IdVarLowScaled_16s32f_D2L(const int16_t *pSrc, const int16_t *const *ppMean,
                                                         int32_t nMix, int32_t featLen, const float *pGConst,
                                                         float *pResult, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, nMix, pSrc, ppMean, pGConst, pResult);
+  const OrvStatus status = checkNullSize(featLen, nMix, pSrc, ppMean, pGConst, pResult);
   if (status != orvStsNoErr) return status;
-  const ComponentBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppMean}, pSrc};
+  const ComponentBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppMean}, pSrc};
   scoreRows<Converted, Weighting::none>(nMix, featLen, block, RowConstants{pGConst},
                                         ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                         Mixture<Converted, LogDomain32f>(pResult));

@@ -1,10 +1,10 @@
 // orvsLogGaussMultiMix_*, orvsLogGaussMaxMultiMix_*, orvsLogGaussAddMultiMix_*: one vector against many
 // Gaussians, with a score, a running maximum or a running log-sum for each.
 
-#include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
 #include "orvsr/gauss.h"
+#include "primitives/rows.h"
 
 using namespace orv;
 using namespace orv::gauss;
@@ -20,9 +20,9 @@ using MultiMixBlock = ComponentBlock<Rows, Deciding::weightsOfSingleRows>;
 
 OrvStatus orvsLogGaussMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step, const float *pSrc,
                                       int32_t featLen, float *pSrcDst, int32_t count) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<float>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const float>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Single, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                 DoubledConstant<float>{}, Store<Single>{pSrcDst});
   return orvStsNoErr;
@@ -30,9 +30,9 @@ OrvStatus orvsLogGaussMultiMix_32f_D2(const float *pMean, const float *pVar, int
 
 OrvStatus orvsLogGaussMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
                                        const float *pSrc, int32_t featLen, float *pSrcDst, int32_t count) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<float>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const float>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Single, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                 DoubledConstant<float>{}, Store<Single>{pSrcDst});
   return orvStsNoErr;
@@ -40,9 +40,9 @@ OrvStatus orvsLogGaussMultiMix_32f_D2L(const float *const *ppMean, const float *
 
 OrvStatus orvsLogGaussMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
                                       const double *pSrc, int32_t featLen, double *pSrcDst, int32_t count) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<double>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const double>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Double, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                 DoubledConstant<double>{}, Store<Double>{pSrcDst});
   return orvStsNoErr;
@@ -50,9 +50,9 @@ OrvStatus orvsLogGaussMultiMix_64f_D2(const double *pMean, const double *pVar, i
 
 OrvStatus orvsLogGaussMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
                                        const double *pSrc, int32_t featLen, double *pSrcDst, int32_t count) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<double>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const double>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Double, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                 DoubledConstant<double>{}, Store<Double>{pSrcDst});
   return orvStsNoErr;
@@ -61,9 +61,9 @@ OrvStatus orvsLogGaussMultiMix_64f_D2L(const double *const *ppMean, const double
 OrvStatus orvsLogGaussMultiMix_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                             const int16_t *pSrc, int32_t featLen, int32_t *pSrcDst,
                                             int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                ExactScore{plusOne(scaleFactor)}, StoreSaturated{pSrcDst});
   return orvStsNoErr;
@@ -72,9 +72,9 @@ OrvStatus orvsLogGaussMultiMix_16s32s_D2Sfs(const int16_t *pMean, const int16_t 
 OrvStatus orvsLogGaussMultiMix_16s32s_D2LSfs(const int16_t *const *ppMean, const int16_t *const *ppVar,
                                              const int16_t *pSrc, int32_t featLen, int32_t *pSrcDst,
                                              int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                ExactScore{plusOne(scaleFactor)}, StoreSaturated{pSrcDst});
   return orvStsNoErr;
@@ -83,9 +83,9 @@ OrvStatus orvsLogGaussMultiMix_16s32s_D2LSfs(const int16_t *const *ppMean, const
 OrvStatus orvsLogGaussMultiMix_Low_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                                 const int16_t *pSrc, int32_t featLen, int32_t *pSrcDst,
                                                 int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                ExactScore{plusOne(scaleFactor)}, StoreWrapped{pSrcDst});
   return orvStsNoErr;
@@ -94,9 +94,9 @@ OrvStatus orvsLogGaussMultiMix_Low_16s32s_D2Sfs(const int16_t *pMean, const int1
 OrvStatus orvsLogGaussMultiMix_Low_16s32s_D2LSfs(const int16_t *const *ppMean, const int16_t *const *ppVar,
                                                  const int16_t *pSrc, int32_t featLen, int32_t *pSrcDst,
                                                  int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                ExactScore{plusOne(scaleFactor)}, StoreWrapped{pSrcDst});
   return orvStsNoErr;
@@ -105,9 +105,9 @@ OrvStatus orvsLogGaussMultiMix_Low_16s32s_D2LSfs(const int16_t *const *ppMean, c
 OrvStatus orvsLogGaussMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                                 const int16_t *pSrc, int32_t featLen, float *pSrcDst,
                                                 int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    Store<Converted>{pSrcDst});
@@ -117,9 +117,9 @@ OrvStatus orvsLogGaussMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int1
 OrvStatus orvsLogGaussMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean, const int16_t *const *ppVar,
                                                  const int16_t *pSrc, int32_t featLen, float *pSrcDst,
                                                  int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    Store<Converted>{pSrcDst});
@@ -129,9 +129,9 @@ OrvStatus orvsLogGaussMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean, c
 OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                                    const int16_t *pSrc, int32_t featLen, float *pSrcDst,
                                                    int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    Store<Converted>{pSrcDst});
@@ -141,9 +141,9 @@ OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, const i
 OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppMean, const int16_t *const *ppVar,
                                                     const int16_t *pSrc, int32_t featLen, float *pSrcDst,
                                                     int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pSrcDst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    Store<Converted>{pSrcDst});
@@ -158,9 +158,9 @@ OrvStatus orvsLogGaussMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppMean
 OrvStatus orvsLogGaussMaxMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
                                          const float *pSrc, int32_t featLen, const float *pGConst,
                                          float *pSrcDst, int32_t count) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<float>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const float>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Single, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<float>{}, KeepMaximum<Single>{pSrcDst});
   return orvStsNoErr;
@@ -169,9 +169,9 @@ OrvStatus orvsLogGaussMaxMultiMix_32f_D2(const float *pMean, const float *pVar, 
 OrvStatus orvsLogGaussMaxMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
                                           const float *pSrc, int32_t featLen, const float *pGConst,
                                           float *pSrcDst, int32_t count) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<float>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const float>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Single, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<float>{}, KeepMaximum<Single>{pSrcDst});
   return orvStsNoErr;
@@ -180,9 +180,9 @@ OrvStatus orvsLogGaussMaxMultiMix_32f_D2L(const float *const *ppMean, const floa
 OrvStatus orvsLogGaussMaxMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
                                          const double *pSrc, int32_t featLen, const double *pGConst,
                                          double *pSrcDst, int32_t count) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<double>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const double>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Double, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<double>{}, KeepMaximum<Double>{pSrcDst});
   return orvStsNoErr;
@@ -191,9 +191,9 @@ OrvStatus orvsLogGaussMaxMultiMix_64f_D2(const double *pMean, const double *pVar
 OrvStatus orvsLogGaussMaxMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
                                           const double *pSrc, int32_t featLen, const double *pGConst,
                                           double *pSrcDst, int32_t count) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<double>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const double>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Double, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                 DoubledConstant<double>{}, KeepMaximum<Double>{pSrcDst});
   return orvStsNoErr;
@@ -202,9 +202,9 @@ OrvStatus orvsLogGaussMaxMultiMix_64f_D2L(const double *const *ppMean, const dou
 OrvStatus orvsLogGaussMaxMultiMix_16s32s_D2Sfs(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                                const int16_t *pSrc, int32_t featLen, const int32_t *pGConst,
                                                int32_t *pSrcDst, int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumSaturated{pSrcDst});
@@ -214,9 +214,9 @@ OrvStatus orvsLogGaussMaxMultiMix_16s32s_D2Sfs(const int16_t *pMean, const int16
 OrvStatus orvsLogGaussMaxMultiMix_16s32s_D2LSfs(const int16_t *const *ppMean, const int16_t *const *ppVar,
                                                 const int16_t *pSrc, int32_t featLen, const int32_t *pGConst,
                                                 int32_t *pSrcDst, int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumSaturated{pSrcDst});
@@ -227,9 +227,9 @@ OrvStatus orvsLogGaussMaxMultiMix_Low_16s32s_D2Sfs(const int16_t *pMean, const i
                                                    const int16_t *pSrc, int32_t featLen,
                                                    const int32_t *pGConst, int32_t *pSrcDst, int32_t count,
                                                    int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumWrapped{pSrcDst});
@@ -240,9 +240,9 @@ OrvStatus orvsLogGaussMaxMultiMix_Low_16s32s_D2LSfs(const int16_t *const *ppMean
                                                     const int16_t *pSrc, int32_t featLen,
                                                     const int32_t *pGConst, int32_t *pSrcDst, int32_t count,
                                                     int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsExactly<Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumWrapped{pSrcDst});
@@ -252,9 +252,9 @@ OrvStatus orvsLogGaussMaxMultiMix_Low_16s32s_D2LSfs(const int16_t *const *ppMean
 OrvStatus orvsLogGaussMaxMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                                    const int16_t *pSrc, int32_t featLen, const float *pGConst,
                                                    float *pSrcDst, int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideLast(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSizeStride(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    KeepMaximum<Converted>{pSrcDst});
@@ -265,9 +265,9 @@ OrvStatus orvsLogGaussMaxMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean
                                                     const int16_t *pSrc, int32_t featLen,
                                                     const float *pGConst, float *pSrcDst, int32_t count,
                                                     int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    KeepMaximum<Converted>{pSrcDst});
@@ -278,9 +278,9 @@ OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, cons
                                                       const int16_t *pSrc, int32_t featLen,
                                                       const float *pGConst, float *pSrcDst, int32_t count,
                                                       int32_t scaleFactor) {
-  const OrvStatus status = checkStrideLast(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSizeStride(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    KeepMaximum<Converted>{pSrcDst});
@@ -291,9 +291,9 @@ OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppM
                                                        const int16_t *const *ppVar, const int16_t *pSrc,
                                                        int32_t featLen, const float *pGConst, float *pSrcDst,
                                                        int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRows<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    KeepMaximum<Converted>{pSrcDst});
@@ -305,9 +305,9 @@ OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppM
 OrvStatus orvsLogGaussAddMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
                                          const float *pSrc, int32_t featLen, const float *pGConst,
                                          float *pSrcDst, int32_t count) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<float>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const float>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pSrcDst));
   return orvStsNoErr;
@@ -316,9 +316,9 @@ OrvStatus orvsLogGaussAddMultiMix_32f_D2(const float *pMean, const float *pVar, 
 OrvStatus orvsLogGaussAddMultiMix_32f_D2L(const float *const *ppMean, const float *const *ppVar,
                                           const float *pSrc, int32_t featLen, const float *pGConst,
                                           float *pSrcDst, int32_t count) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<float>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const float>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pSrcDst));
   return orvStsNoErr;
@@ -327,9 +327,9 @@ OrvStatus orvsLogGaussAddMultiMix_32f_D2L(const float *const *ppMean, const floa
 OrvStatus orvsLogGaussAddMultiMix_64f_D2(const double *pMean, const double *pVar, int32_t step,
                                          const double *pSrc, int32_t featLen, const double *pGConst,
                                          double *pSrcDst, int32_t count) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<double>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const double>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pSrcDst));
   return orvStsNoErr;
@@ -338,9 +338,9 @@ OrvStatus orvsLogGaussAddMultiMix_64f_D2(const double *pMean, const double *pVar
 OrvStatus orvsLogGaussAddMultiMix_64f_D2L(const double *const *ppMean, const double *const *ppVar,
                                           const double *pSrc, int32_t featLen, const double *pGConst,
                                           double *pSrcDst, int32_t count) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<double>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const double>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pSrcDst));
   return orvStsNoErr;
@@ -349,9 +349,9 @@ OrvStatus orvsLogGaussAddMultiMix_64f_D2L(const double *const *ppMean, const dou
 OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const int16_t *pVar, int32_t step,
                                                    const int16_t *pSrc, int32_t featLen, const float *pGConst,
                                                    float *pSrcDst, int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pSrcDst));
@@ -362,9 +362,9 @@ OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean
                                                     const int16_t *pSrc, int32_t featLen,
                                                     const float *pGConst, float *pSrcDst, int32_t count,
                                                     int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pSrcDst));
@@ -375,9 +375,9 @@ OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, cons
                                                       const int16_t *pSrc, int32_t featLen,
                                                       const float *pGConst, float *pSrcDst, int32_t count,
                                                       int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<StridedRows<std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
+  const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(
       0, count, featLen, block, RowConstants{pGConst},
       ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F}, AddLog<Converted>(pSrcDst));
@@ -388,9 +388,9 @@ OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppM
                                                        const int16_t *const *ppVar, const int16_t *pSrc,
                                                        int32_t featLen, const float *pGConst, float *pSrcDst,
                                                        int32_t count, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
+  const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
-  const MultiMixBlock<RowPointers<std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
+  const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(
       0, count, featLen, block, RowConstants{pGConst},
       ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F}, AddLog<Converted>(pSrcDst));

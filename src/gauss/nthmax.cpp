@@ -1,12 +1,11 @@
 // orvsNthMaxElement_*: an element by its rank in descending order.
 
 #include "core/alloc.h"
-#include "gauss/checks.h"
 #include "orvsr/gauss.h"
 #include "primitives/memory.h"
+#include "primitives/rows.h"
 
 using namespace orv;
-using namespace orv::gauss;
 
 namespace {
 

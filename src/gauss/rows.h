@@ -1,48 +1,32 @@
-// What a scoring loop knows of its rows: the two layouts of a matrix, and the two ways in which rows and
-// vectors meet. Each says which operands a row has, and which pointer's alignment decides how a sum is
-// grouped.
+// What a scoring loop knows of its rows: the two ways in which rows, of either layout, and vectors meet. Each
+// says which operands a row has, and which pointer's alignment decides how a sum is grouped.
 
 #ifndef ORV_GAUSS_ROWS_H
 #define ORV_GAUSS_ROWS_H
 
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 #include "gauss/distance.h"
 #include "primitives/memory.h"
+#include "primitives/rows.h"
 
 namespace orv::gauss {
 
 inline std::uintptr_t addressBits(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
 
-// One array, a row every step elements.
+// Whether four rows from r on stand on 16-byte boundaries at the same elements as p.
 template <class T>
-struct StridedRows {
-  using Elem = T;
-  static constexpr bool strided = true;
-  const T *base;
-  std::int32_t step;
-  const T *row(std::int32_t r) const { return base + static_cast<std::ptrdiff_t>(r) * step; }
-  // Whether four rows from r on stand on 16-byte boundaries at the same elements as p.
-  bool alignedWith(const T *p, std::int32_t) const {
-    return ((addressBits(base) ^ addressBits(p)) | static_cast<std::uintptr_t>(step) * sizeof(T)) % 16 == 0;
-  }
-};
-
-// An array of row pointers.
+inline bool alignedWith(const StridedRows<const T> &rows, std::int32_t, const T *p) {
+  const std::uintptr_t stepBytes = static_cast<std::uintptr_t>(rows.step) * sizeof(T);
+  return ((addressBits(rows.base) ^ addressBits(p)) | stepBytes) % 16 == 0;
+}
 template <class T>
-struct RowPointers {
-  using Elem = T;
-  static constexpr bool strided = false;
-  const T *const *rows;
-  const T *row(std::int32_t r) const { return rows[r]; }
-  bool alignedWith(const T *p, std::int32_t r) const {
-    std::uintptr_t apart = 0;
-    for (int i = 0; i < 4; ++i) apart |= addressBits(rows[r + i]) ^ addressBits(p);
-    return apart % 16 == 0;
-  }
-};
+inline bool alignedWith(const RowPointers<const T> &rows, std::int32_t r, const T *p) {
+  std::uintptr_t apart = 0;
+  for (int i = 0; i < 4; ++i) apart |= addressBits(rows.row(r + i)) ^ addressBits(p);
+  return apart % 16 == 0;
+}
 
 // Many frames against one Gaussian: the rows are frames, mean and weights are shared. Without weighting,
 // weights is the mean as well, which is also the pointer that then decides.
@@ -61,7 +45,7 @@ struct FrameBlock {
             {mean, mean, mean, mean},
             {weights, weights, weights, weights}};
   }
-  bool aligned(std::int32_t r) const { return frames.alignedWith(weights, r); }
+  bool aligned(std::int32_t r) const { return alignedWith(frames, r, weights); }
   const Elem *decidingOne(std::int32_t) const { return weights; }
   const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? frames.row(r + 3) : weights; }
 };
@@ -89,7 +73,7 @@ struct ComponentBlock {
             {weights.row(r), weights.row(r + 1), weights.row(r + 2), weights.row(r + 3)}};
   }
   bool aligned(std::int32_t r) const {
-    return means.alignedWith(vector, r) && weights.alignedWith(vector, r);
+    return alignedWith(means, r, vector) && alignedWith(weights, r, vector);
   }
   const Elem *decidingOne(std::int32_t r) const { return oneByWeights ? weights.row(r) : vector; }
   const Elem *decidingFour(std::int32_t r) const { return fourByWeights ? weights.row(r + 3) : vector; }

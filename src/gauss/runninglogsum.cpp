@@ -3,19 +3,19 @@
 // Frames are taken one by one. The LowScaled members are the Scaled ones under another name, in this family
 // only: this is meant, and elsewhere their factors differ at the ends of the range.
 
-#include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
 #include "orvsr/gauss.h"
+#include "primitives/rows.h"
 
 using namespace orv;
 using namespace orv::gauss;
 
 OrvStatus orvsLogGaussAdd_32f_D2(const float *pSrc, int32_t step, const float *pMean, const float *pVar,
                                  int32_t featLen, float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
@@ -23,9 +23,9 @@ OrvStatus orvsLogGaussAdd_32f_D2(const float *pSrc, int32_t step, const float *p
 
 OrvStatus orvsLogGaussAdd_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
                                   int32_t featLen, float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Single, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
@@ -33,9 +33,9 @@ OrvStatus orvsLogGaussAdd_32f_D2L(const float *const *ppSrc, const float *pMean,
 
 OrvStatus orvsLogGaussAdd_64f_D2(const double *pSrc, int32_t step, const double *pMean, const double *pVar,
                                  int32_t featLen, double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
@@ -43,9 +43,9 @@ OrvStatus orvsLogGaussAdd_64f_D2(const double *pSrc, int32_t step, const double 
 
 OrvStatus orvsLogGaussAdd_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
                                   int32_t featLen, double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Double, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
@@ -54,9 +54,9 @@ OrvStatus orvsLogGaussAdd_64f_D2L(const double *const *ppSrc, const double *pMea
 OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                            const int16_t *pVar, int32_t featLen, float *pResult,
                                            int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
@@ -66,9 +66,9 @@ OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, co
 OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                             const int16_t *pVar, int32_t featLen, float *pResult,
                                             int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
@@ -78,9 +78,9 @@ OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const i
 OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                               const int16_t *pVar, int32_t featLen, float *pResult,
                                               int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
@@ -90,9 +90,9 @@ OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
 OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                const int16_t *pVar, int32_t featLen, float *pResult,
                                                int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
@@ -101,9 +101,9 @@ OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, cons
 
 OrvStatus orvsLogGaussAdd_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean, int32_t featLen,
                                        float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Single, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
@@ -111,9 +111,9 @@ OrvStatus orvsLogGaussAdd_IdVar_32f_D2(const float *pSrc, int32_t step, const fl
 
 OrvStatus orvsLogGaussAdd_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean, int32_t featLen,
                                         float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Single, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
@@ -121,9 +121,9 @@ OrvStatus orvsLogGaussAdd_IdVar_32f_D2L(const float *const *ppSrc, const float *
 
 OrvStatus orvsLogGaussAdd_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean, int32_t featLen,
                                        double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Double, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
@@ -131,9 +131,9 @@ OrvStatus orvsLogGaussAdd_IdVar_64f_D2(const double *pSrc, int32_t step, const d
 
 OrvStatus orvsLogGaussAdd_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean, int32_t featLen,
                                         double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Double, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
@@ -142,9 +142,9 @@ OrvStatus orvsLogGaussAdd_IdVar_64f_D2L(const double *const *ppSrc, const double
 OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                                 int32_t featLen, float *pResult, int32_t frames,
                                                 int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
@@ -154,9 +154,9 @@ OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t ste
 OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                  int32_t featLen, float *pResult, int32_t frames,
                                                  int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
@@ -166,9 +166,9 @@ OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, co
 OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                                    int32_t featLen, float *pResult, int32_t frames,
                                                    int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
@@ -178,9 +178,9 @@ OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t 
 OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                     int32_t featLen, float *pResult, int32_t frames,
                                                     int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));

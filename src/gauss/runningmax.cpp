@@ -3,19 +3,19 @@
 // The integer members shift the negated sum and so round a score down, where those of orvsLogGauss_* round it
 // up.
 
-#include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
 #include "orvsr/gauss.h"
+#include "primitives/rows.h"
 
 using namespace orv;
 using namespace orv::gauss;
 
 OrvStatus orvsLogGaussMax_32f_D2(const float *pSrc, int32_t step, const float *pMean, const float *pVar,
                                  int32_t featLen, float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<float>{}, KeepMaximum<Single>{pResult});
   return orvStsNoErr;
@@ -23,9 +23,9 @@ OrvStatus orvsLogGaussMax_32f_D2(const float *pSrc, int32_t step, const float *p
 
 OrvStatus orvsLogGaussMax_32f_D2L(const float *const *ppSrc, const float *pMean, const float *pVar,
                                   int32_t featLen, float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pVar};
   scoreRows<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<float>{}, KeepMaximum<Single>{pResult});
   return orvStsNoErr;
@@ -33,9 +33,9 @@ OrvStatus orvsLogGaussMax_32f_D2L(const float *const *ppSrc, const float *pMean,
 
 OrvStatus orvsLogGaussMax_64f_D2(const double *pSrc, int32_t step, const double *pMean, const double *pVar,
                                  int32_t featLen, double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<double>{}, KeepMaximum<Double>{pResult});
   return orvStsNoErr;
@@ -43,9 +43,9 @@ OrvStatus orvsLogGaussMax_64f_D2(const double *pSrc, int32_t step, const double 
 
 OrvStatus orvsLogGaussMax_64f_D2L(const double *const *ppSrc, const double *pMean, const double *pVar,
                                   int32_t featLen, double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pVar};
   scoreRows<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                 DoubledConstant<double>{}, KeepMaximum<Double>{pResult});
   return orvStsNoErr;
@@ -54,9 +54,9 @@ OrvStatus orvsLogGaussMax_64f_D2L(const double *const *ppSrc, const double *pMea
 OrvStatus orvsLogGaussMax_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                        const int16_t *pVar, int32_t featLen, int32_t *pResult, int32_t frames,
                                        int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumSaturated{pResult});
@@ -66,9 +66,9 @@ OrvStatus orvsLogGaussMax_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const 
 OrvStatus orvsLogGaussMax_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
                                         const int16_t *pVar, int32_t featLen, int32_t *pResult,
                                         int32_t frames, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumSaturated{pResult});
@@ -78,9 +78,9 @@ OrvStatus orvsLogGaussMax_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16
 OrvStatus orvsLogGaussMax_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                            const int16_t *pVar, int32_t featLen, int32_t *pResult,
                                            int32_t frames, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumWrapped{pResult});
@@ -90,9 +90,9 @@ OrvStatus orvsLogGaussMax_Low_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, co
 OrvStatus orvsLogGaussMax_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
                                             const int16_t *pVar, int32_t featLen, int32_t *pResult,
                                             int32_t frames, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRowsExactly<Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                NegatedExactScore{plusOne(scaleFactor)},
                                                KeepMaximumWrapped{pResult});
@@ -102,9 +102,9 @@ OrvStatus orvsLogGaussMax_Low_16s32s_D2LSfs(const int16_t *const *ppSrc, const i
 OrvStatus orvsLogGaussMax_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                            const int16_t *pVar, int32_t featLen, float *pResult,
                                            int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    KeepMaximum<Converted>{pResult});
@@ -114,9 +114,9 @@ OrvStatus orvsLogGaussMax_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, co
 OrvStatus orvsLogGaussMax_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                             const int16_t *pVar, int32_t featLen, float *pResult,
                                             int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{halvedScale(scaleFactor)},
                                                    KeepMaximum<Converted>{pResult});
@@ -126,9 +126,9 @@ OrvStatus orvsLogGaussMax_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const i
 OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                               const int16_t *pVar, int32_t featLen, float *pResult,
                                               int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pVar};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    KeepMaximum<Converted>{pResult});
@@ -138,9 +138,9 @@ OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
 OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                const int16_t *pVar, int32_t featLen, float *pResult,
                                                int32_t frames, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pVar};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
   scoreRows<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                    ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                                    KeepMaximum<Converted>{pResult});
@@ -149,9 +149,9 @@ OrvStatus orvsLogGaussMax_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, cons
 
 OrvStatus orvsLogGaussMax_IdVar_32f_D2(const float *pSrc, int32_t step, const float *pMean, int32_t featLen,
                                        float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<float>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<float>{},
                                      KeepMaximum<Single>{pResult});
   return orvStsNoErr;
@@ -159,9 +159,9 @@ OrvStatus orvsLogGaussMax_IdVar_32f_D2(const float *pSrc, int32_t step, const fl
 
 OrvStatus orvsLogGaussMax_IdVar_32f_D2L(const float *const *ppSrc, const float *pMean, int32_t featLen,
                                         float *pResult, int32_t frames, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<float>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pMean};
   scoreRows<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<float>{},
                                      KeepMaximum<Single>{pResult});
   return orvStsNoErr;
@@ -169,9 +169,9 @@ OrvStatus orvsLogGaussMax_IdVar_32f_D2L(const float *const *ppSrc, const float *
 
 OrvStatus orvsLogGaussMax_IdVar_64f_D2(const double *pSrc, int32_t step, const double *pMean, int32_t featLen,
                                        double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<double>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<double>{},
                                      KeepMaximum<Double>{pResult});
   return orvStsNoErr;
@@ -179,9 +179,9 @@ OrvStatus orvsLogGaussMax_IdVar_64f_D2(const double *pSrc, int32_t step, const d
 
 OrvStatus orvsLogGaussMax_IdVar_64f_D2L(const double *const *ppSrc, const double *pMean, int32_t featLen,
                                         double *pResult, int32_t frames, double gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<double>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pMean};
   scoreRows<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst}, DoubledConstant<double>{},
                                      KeepMaximum<Double>{pResult});
   return orvStsNoErr;
@@ -190,9 +190,9 @@ OrvStatus orvsLogGaussMax_IdVar_64f_D2L(const double *const *ppSrc, const double
 OrvStatus orvsLogGaussMax_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                              int32_t featLen, int32_t *pResult, int32_t frames,
                                              int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumSaturated{pResult});
   return orvStsNoErr;
@@ -201,9 +201,9 @@ OrvStatus orvsLogGaussMax_IdVar_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, 
 OrvStatus orvsLogGaussMax_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
                                               int32_t featLen, int32_t *pResult, int32_t frames,
                                               int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumSaturated{pResult});
   return orvStsNoErr;
@@ -212,9 +212,9 @@ OrvStatus orvsLogGaussMax_IdVar_16s32s_D2LSfs(const int16_t *const *ppSrc, const
 OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                                 int32_t featLen, int32_t *pResult, int32_t frames,
                                                 int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumWrapped{pResult});
   return orvStsNoErr;
@@ -223,9 +223,9 @@ OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2Sfs(const int16_t *pSrc, int32_t ste
 OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, const int16_t *pMean,
                                                  int32_t featLen, int32_t *pResult, int32_t frames,
                                                  int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRowsExactly<Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                     NegatedExactScore{plusOne(scaleFactor)}, KeepMaximumWrapped{pResult});
   return orvStsNoErr;
@@ -234,9 +234,9 @@ OrvStatus orvsLogGaussMax_IdVarLow_16s32s_D2LSfs(const int16_t *const *ppSrc, co
 OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                                 int32_t featLen, float *pResult, int32_t frames,
                                                 int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{halvedScale(scaleFactor)}, KeepMaximum<Converted>{pResult});
   return orvStsNoErr;
@@ -245,9 +245,9 @@ OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t ste
 OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                  int32_t featLen, float *pResult, int32_t frames,
                                                  int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{halvedScale(scaleFactor)}, KeepMaximum<Converted>{pResult});
   return orvStsNoErr;
@@ -256,9 +256,9 @@ OrvStatus orvsLogGaussMax_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, co
 OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t step, const int16_t *pMean,
                                                    int32_t featLen, float *pResult, int32_t frames,
                                                    int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkStrideFirst(featLen, step, frames, pSrc, pMean, pResult);
+  const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<StridedRows<std::int16_t>> block{{pSrc, step}, pMean, pMean};
+  const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                         KeepMaximum<Converted>{pResult});
@@ -268,9 +268,9 @@ OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t 
 OrvStatus orvsLogGaussMax_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc, const int16_t *pMean,
                                                     int32_t featLen, float *pResult, int32_t frames,
                                                     int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkRowPointers(featLen, frames, ppSrc, pMean, pResult);
+  const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
-  const FrameBlock<RowPointers<std::int16_t>> block{{ppSrc}, pMean, pMean};
+  const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
   scoreRows<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                         ScaledSum{GetScale_32s32f(scaleFactor) * 0.5F},
                                         KeepMaximum<Converted>{pResult});

@@ -3,17 +3,16 @@
 #include <algorithm>
 
 #include "core/integer.h"
-#include "gauss/checks.h"
 #include "orvsr/gauss.h"
 #include "primitives/memory.h"
+#include "primitives/rows.h"
 #include "primitives/simd.h"
 
 using namespace orv;
-using namespace orv::gauss;
 
 OrvStatus orvsScaleLM_32f(const float *pSrc, float *pDst, int32_t len, float floor, float scale,
                           float offset) {
-  const OrvStatus status = checkSingle(len, pSrc, pDst);
+  const OrvStatus status = checkNullLength(len, pSrc, pDst);
   if (status != orvStsNoErr) return status;
   std::ptrdiff_t i = 0;
   for (; len - i >= 4; i += 4)
@@ -29,7 +28,7 @@ OrvStatus orvsScaleLM_32f(const float *pSrc, float *pDst, int32_t len, float flo
 // In 32 bits, which wrap: this form does not saturate.
 OrvStatus orvsScaleLM_16s32s(const int16_t *pSrc, int32_t *pDst, int32_t len, int16_t floor, int16_t scale,
                              int32_t offset) {
-  const OrvStatus status = checkSingle(len, pSrc, pDst);
+  const OrvStatus status = checkNullLength(len, pSrc, pDst);
   if (status != orvStsNoErr) return status;
   for (std::ptrdiff_t i = 0; i < len; ++i)
     store(pDst + i, addWrap32(std::max(load(pSrc + i), floor) * scale, offset));

@@ -8,13 +8,12 @@
 #include "core/alloc.h"
 #include "core/integer.h"
 #include "core/logadd.h"
-#include "gauss/checks.h"
-#include "gauss/rows.h"
 #include "orvsr/core.h"
 #include "orvsr/gauss.h"
+#include "primitives/memory.h"
+#include "primitives/rows.h"
 
 using namespace orv;
-using namespace orv::gauss;
 
 namespace {
 
@@ -126,7 +125,7 @@ OrvStatus orvsLogGaussMixture_Select_32f_D2(const float *pSrc, const float *pMea
   if (anyNull(pSrc, pMean, pVar, pGConst, pBits, pResult)) return orvStsNullPtrErr;
   if (featLen < 1 || nMix < 1 || frames < 1) return orvStsSizeErr;
   if (step < featLen) return orvStsStrideErr;
-  const StridedRows<float> src{pSrc, step}, mean{pMean, step}, var{pVar, step};
+  const StridedRows<const float> src{pSrc, step}, mean{pMean, step}, var{pVar, step};
   return scoreSelected(pBits, nMix, pResult, frames, defaultValue, [&](std::int32_t f, std::int32_t m) {
     float s = 0;
     orvsLogGaussSingle_32f(src.row(f), mean.row(m), var.row(m), featLen, &s, load(pGConst + m));
@@ -156,7 +155,7 @@ OrvStatus orvsLogGaussMixture_SelectIdVar_32f_D2(const float *pSrc, const float 
   if (anyNull(pSrc, pMean, pGConst, pBits)) return orvStsNullPtrErr;
   if (featLen < 1 || nMix < 1 || frames < 1) return orvStsSizeErr;
   if (step < featLen) return orvStsStrideErr;
-  const StridedRows<float> src{pSrc, step}, mean{pMean, step};
+  const StridedRows<const float> src{pSrc, step}, mean{pMean, step};
   return scoreSelected(pBits, nMix, pResult, frames, defaultValue, [&](std::int32_t f, std::int32_t m) {
     float s = 0;
     orvsLogGaussSingle_IdVar_32f(src.row(f), mean.row(m), featLen, &s, load(pGConst + m));
@@ -186,7 +185,7 @@ OrvStatus orvsLogGaussMixture_SelectScaled_16s32f_D2(const int16_t *pSrc, const 
   if (anyNull(pSrc, pMean, pVar, pGConst, pBits)) return orvStsNullPtrErr;
   if (featLen < 1 || nMix < 1 || frames < 1) return orvStsSizeErr;
   if (step < featLen) return orvStsStrideErr;
-  const StridedRows<std::int16_t> src{pSrc, step}, mean{pMean, step}, var{pVar, step};
+  const StridedRows<const std::int16_t> src{pSrc, step}, mean{pMean, step}, var{pVar, step};
   return scoreSelected(pBits, nMix, pResult, frames, defaultValue, [&](std::int32_t f, std::int32_t m) {
     float s = 0;
     orvsLogGaussSingle_Scaled_16s32f(src.row(f), mean.row(m), var.row(m), featLen, &s, scaleFactor,
@@ -221,7 +220,7 @@ OrvStatus orvsLogGaussMixture_SelectIdVarScaled_16s32f_D2(const int16_t *pSrc, c
   if (anyNull(pSrc, pMean, pGConst, pBits)) return orvStsNullPtrErr;
   if (featLen < 1 || nMix < 1 || frames < 1) return orvStsSizeErr;
   if (step < featLen) return orvStsStrideErr;
-  const StridedRows<std::int16_t> src{pSrc, step}, mean{pMean, step};
+  const StridedRows<const std::int16_t> src{pSrc, step}, mean{pMean, step};
   return scoreSelected(pBits, nMix, pResult, frames, defaultValue, [&](std::int32_t f, std::int32_t m) {
     float s = 0;
     orvsLogGaussSingle_IdVarScaled_16s32f(src.row(f), mean.row(m), featLen, &s, scaleFactor,

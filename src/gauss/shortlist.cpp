@@ -3,12 +3,11 @@
 
 #include <algorithm>
 
-#include "gauss/checks.h"
 #include "orvsr/gauss.h"
 #include "primitives/memory.h"
+#include "primitives/rows.h"
 
 using namespace orv;
-using namespace orv::gauss;
 
 namespace {
 

@@ -4,13 +4,13 @@
 
 #include "core/alloc.h"
 #include "gauss/blockrows.h"
-#include "gauss/checks.h"
 #include "gauss/score.h"
 #include "gauss/sinks.h"
 #include "matrix/blockdiag.h"
 #include "orvsr/gauss.h"
 #include "primitives/arithmetic.h"
 #include "primitives/reduce.h"
+#include "primitives/rows.h"
 
 using namespace orv;
 using namespace orv::gauss;
@@ -19,7 +19,7 @@ using namespace orv::gauss;
 
 OrvStatus orvsLogGaussSingle_32f(const float *pSrc, const float *pMean, const float *pVar, int32_t len,
                                  float *pResult, float gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult, scoreRow<Single, Weighting::inverseVariance>({pSrc, pMean, pVar}, len, pVar, gconst,
                                                               HalvedSum<float>{}));
@@ -28,7 +28,7 @@ OrvStatus orvsLogGaussSingle_32f(const float *pSrc, const float *pMean, const fl
 
 OrvStatus orvsLogGaussSingle_32f64f(const float *pSrc, const float *pMean, const float *pVar, int32_t len,
                                     double *pResult, double gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult, scoreRow<Widened, Weighting::inverseVariance>({pSrc, pMean, pVar}, len, pVar, gconst,
                                                                HalvedSum<double>{}));
@@ -37,7 +37,7 @@ OrvStatus orvsLogGaussSingle_32f64f(const float *pSrc, const float *pMean, const
 
 OrvStatus orvsLogGaussSingle_64f(const double *pSrc, const double *pMean, const double *pVar, int32_t len,
                                  double *pResult, double gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult, scoreRow<Double, Weighting::inverseVariance>({pSrc, pMean, pVar}, len, pVar, gconst,
                                                               HalvedSum<double>{}));
@@ -46,7 +46,7 @@ OrvStatus orvsLogGaussSingle_64f(const double *pSrc, const double *pMean, const 
 
 OrvStatus orvsLogGaussSingle_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
                                         int32_t len, int32_t *pResult, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const std::int64_t sum = exactSumRow<Weighting::inverseVariance>({pSrc, pMean, pVar}, len);
   store(pResult, sat32(ExactScore{plusOne(scaleFactor)}(sum, gconst)));
@@ -56,7 +56,7 @@ OrvStatus orvsLogGaussSingle_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMea
 OrvStatus orvsLogGaussSingle_Low_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
                                             int32_t len, int32_t *pResult, int32_t gconst,
                                             int32_t scaleFactor) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const std::int64_t sum = exactSumRow<Weighting::inverseVariance>({pSrc, pMean, pVar}, len);
   store(pResult, wrap32(ExactScore{plusOne(scaleFactor)}(sum, gconst)));
@@ -65,7 +65,7 @@ OrvStatus orvsLogGaussSingle_Low_16s32s_Sfs(const int16_t *pSrc, const int16_t *
 
 OrvStatus orvsLogGaussSingle_Scaled_16s32f(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
                                            int32_t len, float *pResult, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult, scoreRow<Converted, Weighting::inverseVariance>({pSrc, pMean, pVar}, len, pVar, gconst,
                                                                  ScaledSum{halvedScale(scaleFactor)}));
@@ -75,7 +75,7 @@ OrvStatus orvsLogGaussSingle_Scaled_16s32f(const int16_t *pSrc, const int16_t *p
 OrvStatus orvsLogGaussSingle_LowScaled_16s32f(const int16_t *pSrc, const int16_t *pMean, const int16_t *pVar,
                                               int32_t len, float *pResult, int32_t scaleFactor,
                                               float gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult,
         scoreRow<Converted, Weighting::inverseVariance>({pSrc, pMean, pVar}, len, pVar, gconst,
@@ -87,7 +87,7 @@ OrvStatus orvsLogGaussSingle_LowScaled_16s32f(const int16_t *pSrc, const int16_t
 
 OrvStatus orvsLogGaussSingle_IdVar_32f(const float *pSrc, const float *pMean, int32_t len, float *pResult,
                                        float gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult,
         scoreRow<Single, Weighting::none>({pSrc, pMean, pMean}, len, pMean, gconst, HalvedSum<float>{}));
@@ -96,7 +96,7 @@ OrvStatus orvsLogGaussSingle_IdVar_32f(const float *pSrc, const float *pMean, in
 
 OrvStatus orvsLogGaussSingle_IdVar_32f64f(const float *pSrc, const float *pMean, int32_t len, double *pResult,
                                           double gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult,
         scoreRow<Widened, Weighting::none>({pSrc, pMean, pMean}, len, pMean, gconst, HalvedSum<double>{}));
@@ -105,7 +105,7 @@ OrvStatus orvsLogGaussSingle_IdVar_32f64f(const float *pSrc, const float *pMean,
 
 OrvStatus orvsLogGaussSingle_IdVar_64f(const double *pSrc, const double *pMean, int32_t len, double *pResult,
                                        double gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult,
         scoreRow<Double, Weighting::none>({pSrc, pMean, pMean}, len, pMean, gconst, HalvedSum<double>{}));
@@ -114,7 +114,7 @@ OrvStatus orvsLogGaussSingle_IdVar_64f(const double *pSrc, const double *pMean, 
 
 OrvStatus orvsLogGaussSingle_IdVar_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean, int32_t len,
                                               int32_t *pResult, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const std::int64_t sum = exactSumRow<Weighting::none>({pSrc, pMean, pMean}, len);
   store(pResult, sat32(ExactScore{plusOne(scaleFactor)}(sum, gconst)));
@@ -123,7 +123,7 @@ OrvStatus orvsLogGaussSingle_IdVar_16s32s_Sfs(const int16_t *pSrc, const int16_t
 
 OrvStatus orvsLogGaussSingle_IdVarLow_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean, int32_t len,
                                                  int32_t *pResult, int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const std::int64_t sum = exactSumRow<Weighting::none>({pSrc, pMean, pMean}, len);
   store(pResult, wrap32(ExactScore{plusOne(scaleFactor)}(sum, gconst)));
@@ -132,7 +132,7 @@ OrvStatus orvsLogGaussSingle_IdVarLow_16s32s_Sfs(const int16_t *pSrc, const int1
 
 OrvStatus orvsLogGaussSingle_IdVarScaled_16s32f(const int16_t *pSrc, const int16_t *pMean, int32_t len,
                                                 float *pResult, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult, scoreRow<Converted, Weighting::none>({pSrc, pMean, pMean}, len, pMean, gconst,
                                                       ScaledSum{halvedScale(scaleFactor)}));
@@ -141,7 +141,7 @@ OrvStatus orvsLogGaussSingle_IdVarScaled_16s32f(const int16_t *pSrc, const int16
 
 OrvStatus orvsLogGaussSingle_IdVarLowScaled_16s32f(const int16_t *pSrc, const int16_t *pMean, int32_t len,
                                                    float *pResult, int32_t scaleFactor, float gconst) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   store(pResult, scoreRow<Converted, Weighting::none>({pSrc, pMean, pMean}, len, pMean, gconst,
                                                       HalvedScaledSum{{GetScale_32s32f(scaleFactor)}}));
@@ -180,7 +180,7 @@ OrvStatus sumQuotients(const Row<typename Form::Elem> &row, std::int32_t len, ty
 
 OrvStatus orvsLogGaussSingle_DirectVar_32f(const float *pSrc, const float *pMean, const float *pVar,
                                            int32_t len, float *pResult, float gconst) {
-  OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   double sum;
   status = sumQuotients<Widened>({pSrc, pMean, pVar}, len, sum);
@@ -191,7 +191,7 @@ OrvStatus orvsLogGaussSingle_DirectVar_32f(const float *pSrc, const float *pMean
 
 OrvStatus orvsLogGaussSingle_DirectVar_32f64f(const float *pSrc, const float *pMean, const float *pVar,
                                               int32_t len, double *pResult, double gconst) {
-  OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   double sum;
   status = sumQuotients<Widened>({pSrc, pMean, pVar}, len, sum);
@@ -202,7 +202,7 @@ OrvStatus orvsLogGaussSingle_DirectVar_32f64f(const float *pSrc, const float *pM
 
 OrvStatus orvsLogGaussSingle_DirectVar_64f(const double *pSrc, const double *pMean, const double *pVar,
                                            int32_t len, double *pResult, double gconst) {
-  OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   double sum;
   status = sumQuotients<Double>({pSrc, pMean, pVar}, len, sum);
@@ -217,7 +217,7 @@ OrvStatus orvsLogGaussSingle_DirectVar_64f(const double *pSrc, const double *pMe
 OrvStatus orvsLogGaussSingle_DirectVar_16s32s_Sfs(const int16_t *pSrc, const int16_t *pMean,
                                                   const int16_t *pVar, int32_t len, int32_t *pResult,
                                                   int32_t gconst, int32_t scaleFactor) {
-  const OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  const OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   std::int64_t sum = 0;
   for (std::int32_t j = 0; j < len; ++j) {
@@ -238,7 +238,7 @@ OrvStatus orvsLogGaussSingle_DirectVar_16s32s_Sfs(const int16_t *pSrc, const int
 OrvStatus orvsLogGaussSingle_DirectVarScaled_16s32f(const int16_t *pSrc, const int16_t *pMean,
                                                     const int16_t *pVar, int32_t len, float *pResult,
                                                     int32_t scaleFactor, float gconst) {
-  OrvStatus status = checkSingle(len, pSrc, pMean, pVar, pResult);
+  OrvStatus status = checkNullLength(len, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   float sum;
   status = sumQuotients<Converted>({pSrc, pMean, pVar}, len, sum);
@@ -353,7 +353,7 @@ OrvStatus scoreByBlocks(const Form &form, const Elem *src, const Elem *mean, con
 
 template <class Matrix, class... Pointers>
 OrvStatus checkByBlocks(std::int32_t len, const Matrix *matrix, const Pointers *...pointers) {
-  const OrvStatus status = checkSingle(len, matrix, pointers...);
+  const OrvStatus status = checkNullLength(len, matrix, pointers...);
   if (status != orvStsNoErr) return status;
   return len == matrix->rowCount ? orvStsNoErr : orvStsSizeErr;
 }

@@ -1,4 +1,4 @@
-// The two layouts of a matrix, and the orders in which a matrix is checked.
+// The two layouts of a matrix, and the orders in which a matrix, or a vector, is checked.
 
 #ifndef ORV_PRIMITIVES_ROWS_H
 #define ORV_PRIMITIVES_ROWS_H
@@ -15,6 +15,7 @@ namespace orv {
 template <class T>
 struct StridedRows {
   using Elem = std::remove_const_t<T>;
+  static constexpr bool strided = true;
   T *base;
   std::int32_t step;
   T *row(std::int32_t r) const { return base + static_cast<std::ptrdiff_t>(r) * step; }
@@ -26,6 +27,7 @@ StridedRows(T *, std::int32_t) -> StridedRows<T>;
 template <class T>
 struct RowPointers {
   using Elem = std::remove_const_t<T>;
+  static constexpr bool strided = false;
   T *const *rows;
   T *row(std::int32_t r) const { return rows[r]; }
 };
@@ -35,6 +37,13 @@ RowPointers(T *const *) -> RowPointers<T>;
 template <class... Pointers>
 inline bool anyNull(const Pointers *...pointers) {
   return (... || (pointers == nullptr));
+}
+
+// Pointers, length: vectors.
+template <class... Pointers>
+inline OrvStatus checkNullLength(std::int32_t len, const Pointers *...pointers) {
+  if (anyNull(pointers...)) return orvStsNullPtrErr;
+  return len < 1 ? orvStsSizeErr : orvStsNoErr;
 }
 
 // Pointers, sizes: matrices of row pointers. The row pointers themselves are not looked at.
