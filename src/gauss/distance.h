@@ -48,6 +48,29 @@ struct FourRows {
   const T *a[4], *b[4], *w[4];
 };
 
+// The same for rows that follow one another at one step in both matrices and share b: what is kept is a row,
+// and distances from it. Eight rows would need sixteen pointers, for which there are no registers.
+template <class T>
+struct RowsApart {
+  const T *first;
+  const std::ptrdiff_t *apart;
+  const T *operator[](int r) const { return first + apart[r]; }
+};
+template <class T>
+struct SharedRow {
+  const T *row;
+  const T *operator[](int) const { return row; }
+};
+template <class T>
+struct FourRowsApart {
+  RowsApart<T> a;
+  SharedRow<T> b;
+  RowsApart<T> w;
+};
+
+// Which rows, and their weights, stand on 16-byte boundaries from the end of a head on.
+enum class Aligned { none, fourthRow, allRows };
+
 // The term of one element, of a vector of neighbouring elements, and of the same element of four rows.
 template <class Form, Weighting weighting, class T>
 inline typename Form::Sum term(const T *a, const T *b, const T *w) {
@@ -123,8 +146,8 @@ enum class Part { head, rest };
 
 // The terms of the vectors at element j of four rows, taken side by side: their steps wait for one another
 // less.
-template <class Form, Weighting weighting, class T>
-[[gnu::always_inline]] inline void termsOfRows(const FourRows<T> &rows, std::ptrdiff_t j,
+template <class Form, Weighting weighting, class Rows>
+[[gnu::always_inline]] inline void termsOfRows(const Rows &rows, std::ptrdiff_t j,
                                                typename Form::Lanes (&t)[4]) {
   for (int r = 0; r < 4; ++r) t[r] = Form::differences(rows.a[r] + j, rows.b[r] + j);
   for (int r = 0; r < 4; ++r) t[r] = t[r] * t[r];
@@ -134,9 +157,9 @@ template <class Form, Weighting weighting, class T>
 
 // Folds count terms of each row into the sums, one by one: the first of the row, or its last. They are taken
 // out of a whole vector of terms, which lies within the row.
-template <class Form, Weighting weighting, class Fold, Part part, class T>
-[[gnu::always_inline]] inline typename Form::Four foldPart(const FourRows<T> &rows, std::int32_t len,
-                                                           int count, typename Form::Four sums) {
+template <class Form, Weighting weighting, class Fold, Part part, class Rows>
+[[gnu::always_inline]] inline typename Form::Four foldPart(const Rows &rows, std::int32_t len, int count,
+                                                           typename Form::Four sums) {
   constexpr int lanes = Form::Lanes::lanes;
   const std::ptrdiff_t j = part == Part::head ? 0 : len - lanes;
   typename Form::Lanes t[4];
@@ -162,13 +185,69 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
     }
 }
 
-// Groups of four rows that have the same head and at least one vector; sums are the starts, and then the
-// results. aligned tells that from the end of the head on all rows, and weights, stand on 16-byte boundaries.
-// Two groups together hide more of the time that loads take. They do not change the sums.
+// The same of eight rows a step apart, of which FourthForm is the form of the fourth and the eighth. The
+// pointers are made opaque, or the compiler would keep the address of each row, most of them in memory. The
+// rows are sixteen streams, which are too many for the processor to fetch them ahead: each turn asks for as
+// much of the rows that follow as it reads itself.
+template <class Form, class FourthForm, Weighting weighting, class Fold, class T>
+[[gnu::always_inline]] inline void foldVectorsApart(const FourRowsApart<T> (&rows)[2], std::ptrdiff_t from,
+                                                    std::ptrdiff_t to, typename Form::Lanes (&acc)[2][4]) {
+  constexpr std::uintptr_t line = 64, ahead = 4 * line, turn = 8 * 16;  // bytes
+  const std::ptrdiff_t *const apart = rows[0].a.apart;
+  const T *a = rows[0].a.first + from, *w = rows[0].w.first + from;
+  const std::uintptr_t eightRows = 2 * static_cast<std::uintptr_t>(apart[4]) * sizeof(T);
+  std::uintptr_t nextA = addressOf(rows[0].a.first) + eightRows + ahead;
+  std::uintptr_t nextW = addressOf(rows[0].w.first) + eightRows + ahead;
+  for (std::ptrdiff_t j = from; j < to; j += Form::Lanes::lanes) {
+    const T *const b = rows[0].b.row + j;
+    for (std::uintptr_t i = 0; i < turn; i += line) {
+      simd::prefetch(nextA + i);
+      if (weighting != Weighting::none) simd::prefetch(nextW + i);
+    }
+    nextA += turn;
+    nextW += turn;
+    a = simd::opaque(a);
+    w = simd::opaque(w);
+    for (int r = 0; r < 8; ++r) {
+      const auto t = r % 4 == 3 ? terms<FourthForm, weighting>(a + apart[r], b, w + apart[r])
+                                : terms<Form, weighting>(a + apart[r], b, w + apart[r]);
+      acc[r / 4][r % 4] = Fold::fold(acc[r / 4][r % 4], t);
+    }
+    a += Form::Lanes::lanes;
+    w += Form::Lanes::lanes;
+  }
+}
+
+// Either, in the form for what is aligned.
 template <class Form, Weighting weighting, class Fold, class T, std::size_t groups>
-[[gnu::always_inline]] inline void sumGroups(const FourRows<T> (&rows)[groups], std::int32_t len,
-                                             std::int32_t head, bool aligned,
-                                             typename Form::Four (&sums)[groups]) {
+[[gnu::always_inline]] inline void foldVectors(const FourRows<T> (&rows)[groups], std::ptrdiff_t from,
+                                               std::ptrdiff_t to, Aligned aligned,
+                                               typename Form::Lanes (&acc)[groups][4]) {
+  if (Form::alignable && aligned == Aligned::allRows) {
+    foldVectors<typename Form::Aligned, weighting, Fold>(rows, from, to, acc);
+  } else {
+    foldVectors<Form, weighting, Fold>(rows, from, to, acc);
+  }
+}
+template <class Form, Weighting weighting, class Fold, class T>
+[[gnu::always_inline]] inline void foldVectors(const FourRowsApart<T> (&rows)[2], std::ptrdiff_t from,
+                                               std::ptrdiff_t to, Aligned aligned,
+                                               typename Form::Lanes (&acc)[2][4]) {
+  using AlignedForm = typename Form::Aligned;
+  if (Form::alignable && aligned == Aligned::allRows) {
+    foldVectorsApart<AlignedForm, AlignedForm, weighting, Fold>(rows, from, to, acc);
+  } else if (Form::alignable && aligned == Aligned::fourthRow) {
+    foldVectorsApart<Form, AlignedForm, weighting, Fold>(rows, from, to, acc);
+  } else {
+    foldVectorsApart<Form, Form, weighting, Fold>(rows, from, to, acc);
+  }
+}
+
+// Groups of four rows that have the same head and at least one vector; sums are the starts, and then the
+// results. Two groups together hide more of the time that loads take. They do not change the sums.
+template <class Form, Weighting weighting, class Fold, class Rows, std::size_t groups>
+[[gnu::always_inline]] inline void sumGroups(const Rows (&rows)[groups], std::int32_t len, std::int32_t head,
+                                             Aligned aligned, typename Form::Four (&sums)[groups]) {
   constexpr int lanes = Form::Lanes::lanes;
   typename Form::Lanes acc[groups][4];
   for (std::size_t g = 0; g < groups; ++g) {
@@ -176,11 +255,7 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
     Form::firstLanes(sums[g], acc[g]);
   }
   const int rest = (len - head) % lanes;
-  if (Form::alignable && aligned) {
-    foldVectors<typename Form::Aligned, weighting, Fold>(rows, head, len - rest, acc);
-  } else {
-    foldVectors<Form, weighting, Fold>(rows, head, len - rest, acc);
-  }
+  foldVectors<Form, weighting, Fold>(rows, head, len - rest, aligned, acc);
   for (std::size_t g = 0; g < groups; ++g) {
     sums[g] = sumLanesOfFour(acc[g][0], acc[g][1], acc[g][2], acc[g][3]);
     if (rest > 0) sums[g] = foldPart<Form, weighting, Fold, Part::rest>(rows[g], len, rest, sums[g]);
@@ -189,11 +264,12 @@ template <class Form, Weighting weighting, class Fold, class T, std::size_t grou
 
 template <class Form, Weighting weighting, class Fold, class T>
 [[gnu::always_inline]] inline typename Form::Four sumFourRows(const FourRows<T> &rows, std::int32_t len,
-                                                              std::int32_t head, bool aligned,
+                                                              std::int32_t head, Aligned aligned,
                                                               typename Form::Four start) {
   if (len - head >= Form::Lanes::lanes) {
+    const FourRows<T> groups[1] = {rows};
     typename Form::Four sums[1] = {start};
-    sumGroups<Form, weighting, Fold>({rows}, len, head, aligned, sums);
+    sumGroups<Form, weighting, Fold>(groups, len, head, aligned, sums);
     return sums[0];
   }
   for (std::int32_t j = 0; j < len; ++j) start = Fold::fold(start, termOfFour<Form, weighting>(rows, j));

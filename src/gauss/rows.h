@@ -4,29 +4,36 @@
 #ifndef ORV_GAUSS_ROWS_H
 #define ORV_GAUSS_ROWS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "gauss/distance.h"
 #include "primitives/memory.h"
 #include "primitives/rows.h"
+#include "primitives/simd.h"
 
 namespace orv::gauss {
-
-inline std::uintptr_t addressBits(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
 
 // Whether four rows from r on stand on 16-byte boundaries at the same elements as p.
 template <class T>
 inline bool alignedWith(const StridedRows<const T> &rows, std::int32_t, const T *p) {
   const std::uintptr_t stepBytes = static_cast<std::uintptr_t>(rows.step) * sizeof(T);
-  return ((addressBits(rows.base) ^ addressBits(p)) | stepBytes) % 16 == 0;
+  return ((addressOf(rows.base) ^ addressOf(p)) | stepBytes) % 16 == 0;
 }
 template <class T>
 inline bool alignedWith(const RowPointers<const T> &rows, std::int32_t r, const T *p) {
   std::uintptr_t apart = 0;
-  for (int i = 0; i < 4; ++i) apart |= addressBits(rows.row(r + i)) ^ addressBits(p);
+  for (int i = 0; i < 4; ++i) apart |= addressOf(rows.row(r + i)) ^ addressOf(p);
   return apart % 16 == 0;
 }
+
+template <class Rows>
+struct TwoGroups {
+  Rows groups[2];
+  Aligned aligned;
+};
 
 // Many frames against one Gaussian: the rows are frames, mean and weights are shared. Without weighting,
 // weights is the mean as well, which is also the pointer that then decides.
@@ -45,7 +52,16 @@ struct FrameBlock {
             {mean, mean, mean, mean},
             {weights, weights, weights, weights}};
   }
-  bool aligned(std::int32_t r) const { return alignedWith(frames, r, weights); }
+  Aligned aligned(std::int32_t r) const {
+    return alignedWith(frames, r, weights) ? Aligned::allRows : Aligned::none;
+  }
+  struct EightRows {
+    const FrameBlock &block;
+    TwoGroups<FourRows<Elem>> from(std::int32_t r) const {
+      return {{block.four(r), block.four(r + 4)}, std::min(block.aligned(r), block.aligned(r + 4))};
+    }
+  };
+  EightRows eightRows() const { return {*this}; }
   const Elem *decidingOne(std::int32_t) const { return weights; }
   const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? frames.row(r + 3) : weights; }
 };
@@ -60,7 +76,7 @@ struct ComponentBlock {
   using Elem = typename Rows::Elem;
   static constexpr bool oneByWeights = Rows::strided || withPointers != Deciding::vector;
   static constexpr bool fourByWeights = Rows::strided || withPointers == Deciding::weights;
-  static constexpr bool twoGroups = false;
+  static constexpr bool twoGroups = Rows::strided && std::is_floating_point_v<Elem>;
   static constexpr bool oneHead = Rows::strided || !fourByWeights;
   Rows means;
   Rows weights;
@@ -72,9 +88,32 @@ struct ComponentBlock {
             {vector, vector, vector, vector},
             {weights.row(r), weights.row(r + 1), weights.row(r + 2), weights.row(r + 3)}};
   }
-  bool aligned(std::int32_t r) const {
-    return alignedWith(means, r, vector) && alignedWith(weights, r, vector);
+  // With a row step the weights of a group's fourth row end its head at a boundary; means may have the same
+  // alignment.
+  Aligned aligned(std::int32_t r) const {
+    if (alignedWith(means, r, vector) && alignedWith(weights, r, vector)) return Aligned::allRows;
+    const bool alike = (addressOf(means.row(r)) ^ addressOf(weights.row(r))) % 16 == 0;
+    return Rows::strided && alike ? Aligned::fourthRow : Aligned::none;
   }
+  // Means and weights have the same step.
+  class EightRows {
+   public:
+    explicit EightRows(const ComponentBlock &block) : block_(block) {
+      for (int r = 1; r < 8; ++r) apart_[r] = simd::opaque(r * std::ptrdiff_t{block.means.step});
+    }
+    TwoGroups<FourRowsApart<Elem>> from(std::int32_t r) const {
+      return {{four(r, 0), four(r, 4)}, block_.aligned(r)};
+    }
+
+   private:
+    FourRowsApart<Elem> four(std::int32_t r, int first) const {
+      return {
+          {block_.means.row(r), apart_ + first}, {block_.vector}, {block_.weights.row(r), apart_ + first}};
+    }
+    const ComponentBlock &block_;
+    std::ptrdiff_t apart_[8] = {};
+  };
+  EightRows eightRows() const { return EightRows(*this); }
   const Elem *decidingOne(std::int32_t r) const { return oneByWeights ? weights.row(r) : vector; }
   const Elem *decidingFour(std::int32_t r) const { return fourByWeights ? weights.row(r + 3) : vector; }
 };

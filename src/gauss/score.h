@@ -130,15 +130,17 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
   using Four = typename Form::Four;
   std::int32_t head = Form::peels && rows >= 4 ? alignedHead(block.decidingFour(0), len) : 0;
   std::int32_t r = 0;
-  if (Block::twoGroups && len - head >= Form::Lanes::lanes)
-    for (; rows - r >= 8; r += 8) {
-      const Four gconst[2] = {constants.template four<Form>(r), constants.template four<Form>(r + 4)};
-      const FourRows<typename Form::Elem> groups[2] = {block.four(r), block.four(r + 4)};
-      Four sums[2] = {score.start(gconst[0]), score.start(gconst[1])};
-      sumGroups<Form, weighting, Fold>(groups, len, head, block.aligned(r) && block.aligned(r + 4), sums);
-      sink.four(r, score.finish(sums[0], gconst[0]));
-      sink.four(r + 4, score.finish(sums[1], gconst[1]));
-    }
+  if constexpr (Block::twoGroups) {
+    if (len - head >= Form::Lanes::lanes)
+      for (const auto eight = block.eightRows(); rows - r >= 8; r += 8) {
+        const Four gconst[2] = {constants.template four<Form>(r), constants.template four<Form>(r + 4)};
+        Four sums[2] = {score.start(gconst[0]), score.start(gconst[1])};
+        const auto [groups, aligned] = eight.from(r);
+        sumGroups<Form, weighting, Fold>(groups, len, head, aligned, sums);
+        sink.four(r, score.finish(sums[0], gconst[0]));
+        sink.four(r + 4, score.finish(sums[1], gconst[1]));
+      }
+  }
   for (; rows - r >= 4; r += 4) {
     if (Form::peels && !Block::oneHead) head = alignedHead(block.decidingFour(r), len);
     const Four gconst = constants.template four<Form>(r);

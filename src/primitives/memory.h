@@ -24,16 +24,16 @@ inline void store(T *p, T value) {
   std::memcpy(p, &value, sizeof value);
 }
 
-inline bool isAligned(const void *p, std::size_t bytes) {
-  return reinterpret_cast<std::uintptr_t>(p) % bytes == 0;
-}
+inline std::uintptr_t addressOf(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
+
+inline bool isAligned(const void *p, std::size_t bytes) { return addressOf(p) % bytes == 0; }
 
 // How many of len elements are taken one by one before p stands on a 16-byte boundary: all of them if it
 // never will. This decides the grouping of sums, and so their last bits.
 template <class T>
 inline std::int32_t alignedHead(const T *p, std::int32_t len) {
   if (!isAligned(p, sizeof(T))) return len;
-  const auto head = static_cast<std::int32_t>((0 - reinterpret_cast<std::uintptr_t>(p)) % 16 / sizeof(T));
+  const auto head = static_cast<std::int32_t>((0 - addressOf(p)) % 16 / sizeof(T));
   return head < len ? head : len;
 }
 

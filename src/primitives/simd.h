@@ -330,6 +330,20 @@ inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 // value would have to leave.
 inline void forgetRegisters() { asm volatile("" : : : "memory"); }
 
+// The same value, of which the compiler knows nothing more: what is computed from it is computed where it is
+// used, as part of an address, instead of being kept.
+template <class T>
+inline T opaque(T value) {
+  asm("" : "+r"(value));
+  return value;
+}
+
+// Asks for the cache line of an address, which may be anything. (GCC takes a call that does nothing else for
+// one without effect, and drops it, unless it is inlined first.)
+[[gnu::always_inline]] inline void prefetch(std::uintptr_t address) {
+  _mm_prefetch(reinterpret_cast<const char *>(address), _MM_HINT_T0);
+}
+
 // --- lanes that change places
 
 // a[i], a[j], b[k], b[l]
