@@ -369,13 +369,12 @@ inline void loadRows4(const float (*table)[4], i32x4 indices, f32x4 (&rows)[4]) 
   rows[3] = loadAligned4(table[high >> 32]);
 }
 
-// p[i] of four indices, which are not negative.
-inline f32x4 gather4(const float *p, i32x4 indices) {
-  const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(indices.v));
-  const auto high =
-      static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_shuffle_epi32(indices.v, _MM_SHUFFLE(3, 2, 3, 2))));
-  return {_mm_setr_ps(p[static_cast<std::uint32_t>(low)], p[low >> 32], p[static_cast<std::uint32_t>(high)],
-                      p[high >> 32])};
+// Two values from p, then two from q.
+inline f32x4 loadPairs(const float *p, const float *q) {
+  double low, high;
+  std::memcpy(&low, p, sizeof low);
+  std::memcpy(&high, q, sizeof high);
+  return {_mm_castpd_ps(_mm_setr_pd(low, high))};
 }
 
 // --- the same element of four rows

@@ -40,6 +40,15 @@ void rotatedPass(float *data, const float *end, std::size_t apart, const float *
   }
 }
 
+// The first pass of `count` transforms, of this radix.
+void firstPass(float *data, const float *end, std::int32_t radixOrder, std::size_t apart,
+               const float *twiddles) {
+  if (radixOrder == 3)
+    rotatedPass<8>(data, end, apart, twiddles);
+  else
+    rotatedPass<4>(data, end, apart, twiddles);
+}
+
 }  // namespace
 
 void buildLaneTwiddles(float *table, std::int32_t order, const UnitCircle &circle) {
@@ -55,11 +64,22 @@ void transformLanesButLast(float *data, std::int32_t order, std::int32_t count, 
   const float *end = data + (static_cast<std::size_t>(count) << order) * kLaneFloats;
   for (std::int32_t radixOrder; order > (radixOrder = firstRadixOrder(order)); order -= radixOrder) {
     const std::size_t apart = std::size_t{1} << (order - radixOrder);
-    if (radixOrder == 3)
-      rotatedPass<8>(data, end, apart, twiddles);
-    else
-      rotatedPass<4>(data, end, apart, twiddles);
+    firstPass(data, end, radixOrder, apart, twiddles);
     twiddles += (apart - 1) * ((std::size_t{1} << radixOrder) - 1) * kLaneFloats;
+  }
+}
+
+void firstOfLanes(float *data, std::int32_t order, const float *twiddles) {
+  const std::int32_t radixOrder = firstRadixOrder(order);
+  const std::size_t apart = std::size_t{1} << (order - radixOrder);
+  const float *end = data + (kLaneFloats << order);
+  firstPass(data, end, radixOrder, apart, twiddles);
+  for (; data != end; data += apart * kLaneFloats) {
+    Complex4 sums[4];
+    for (std::size_t i = 0; i < 4; ++i) sums[i] = loadLanes(data + i * kLaneFloats);
+    for (std::size_t n = 4; n < apart; n += 4)
+      for (std::size_t i = 0; i < 4; ++i) sums[i] = sums[i] + loadLanes(data + (n + i) * kLaneFloats);
+    storeLanes(data, (sums[0] + sums[1]) + (sums[2] + sums[3]));
   }
 }
 

@@ -182,6 +182,9 @@ void buildLaneTwiddles(float *table, std::int32_t order, const UnitCircle &circl
 
 // Transforms `count` groups of four, one behind the other.
 void transformLanes(float *data, std::int32_t order, std::int32_t count, const float *twiddles);
+// Of one group, only as many of the first results as the radix of the first pass: where they are sums of
+// neighbours. For an order of 5 or more.
+void firstOfLanes(float *data, std::int32_t order, const float *twiddles);
 // All passes but the last, which is left to the caller: a dft8() of every eight elements, or a dft4() of
 // every four if lastRadixOrder() is 2.
 void transformLanesButLast(float *data, std::int32_t order, std::int32_t count, const float *twiddles);

@@ -1,4 +1,4 @@
-// Real transforms of 8192 values and more, as complex transforms of half as many points: value 2n + i of the
+// Real transforms of 16384 values and more, as complex transforms of half as many points: value 2n + i of the
 // signal is part i of point n.
 //
 // With M = H B H, an index is three digits: n = (n2, n1, n0) and k = (k2, k1, k0), each with the most
@@ -29,9 +29,14 @@ constexpr std::size_t kGroupFloats = std::size_t{kLaneFloats} << kMaxLaneOrder;
 struct Groups {
   float *first, *second;
 
-  void transform(std::int32_t order, const float *twiddles) const {
-    transformLanes(first, order, 1, twiddles);
-    transformLanes(second, order, 1, twiddles);
+  // Of which only the first `wanted` results are needed.
+  void transform(std::int32_t order, const float *twiddles, std::size_t wanted) const {
+    const bool few = wanted <= std::size_t{1} << firstRadixOrder(order) && wanted < std::size_t{1} << order;
+    for (float *group : {first, second})
+      if (few)
+        firstOfLanes(group, order, twiddles);
+      else
+        transformLanes(group, order, 1, twiddles);
   }
 };
 
@@ -137,12 +142,40 @@ void columnStep(float *data, std::size_t rowFloats, const ColumnTransform &colum
       storeLanes(groups.first + i * kLaneFloats, loadInterleaved(src) * loadLanes(steps));
       storeLanes(groups.second + i * kLaneFloats, loadInterleaved(src + 8) * loadLanes(steps + 8));
     }
-    groups.transform(column.order, column.twiddles);
+    groups.transform(column.order, column.twiddles, wanted);
     float *dst = data + at;
     for (std::size_t k = 0; k < wanted; ++k, dst += rowFloats) {
       const std::size_t position = std::size_t{column.positions[k]} * kLaneFloats;
       storeInterleaved(dst, finish(loadLanes(groups.first + position)));
       storeInterleaved(dst + 8, finish(loadLanes(groups.second + position)));
+    }
+  }
+}
+
+// A middle digit of one bit, over whose two values the columns of the halves of a row are transformed first,
+// and the columns of the matrix: both steps in one, four columns of either half at a time.
+template <class Finish>
+void halvesStep(float *data, std::size_t rowFloats, const ColumnTransform &column, const float *halfSteps,
+                const float *steps, Groups groups, std::size_t wanted, Finish finish) {
+  const std::size_t rows = std::size_t{1} << column.order;
+  const std::size_t half = rowFloats / 2;
+  for (std::size_t at = 0; at < half; at += kColumns) {
+    const std::size_t within = at % (2 * kColumns);
+    const Complex4 turn = loadLanes(halfSteps + 2 * (at - within) + 2 * kColumns + within);
+    const float *lowSteps = steps + (at - within) * rows + within, *highSteps = lowSteps + half * rows;
+    const float *src = data + at;
+    for (std::size_t i = 0; i < rows;
+         ++i, src += rowFloats, lowSteps += 2 * kColumns, highSteps += 2 * kColumns) {
+      const Complex4 a = loadInterleaved(src), b = loadInterleaved(src + half) * turn;
+      storeLanes(groups.first + i * kLaneFloats, (a + b) * loadLanes(lowSteps));
+      storeLanes(groups.second + i * kLaneFloats, (a - b) * loadLanes(highSteps));
+    }
+    groups.transform(column.order, column.twiddles, wanted);
+    float *dst = data + at;
+    for (std::size_t k = 0; k < wanted; ++k, dst += rowFloats) {
+      const std::size_t position = std::size_t{column.positions[k]} * kLaneFloats;
+      storeInterleaved(dst, finish(loadLanes(groups.first + position)));
+      storeInterleaved(dst + half, finish(loadLanes(groups.second + position)));
     }
   }
 }
@@ -174,38 +207,64 @@ void transform(const OrvRealFftState32f &spec, Source src, float *dst, std::size
       } else {
         loadColumns(src, 2 * (at + n0), 2 * row, side, groups);
       }
-      groups.transform(sides.order, sides.twiddles);
+      groups.transform(sides.order, sides.twiddles, side);
       storeRows(groups.first, sides.positions, side, rows + 2 * at, 2 * row);
       storeRows(groups.second, sides.positions, side, rows + 2 * (4 * row + at), 2 * row);
     }
-    if (split.middle > 0)
+    if (split.middle > 1)
       for (std::size_t i = 0; i < kColumns; ++i)
         columnStep(rows + 2 * i * row, 2 * side, middle, spec.levelStepTwiddles[1], groups, row / side,
                    AsTheyAre{});
   }
+  if (split.middle == 1)
+    return halvesStep(dst, 2 * row, sides, spec.levelStepTwiddles[1], spec.levelStepTwiddles[0], groups,
+                      (wanted + 2 * row - 1) / (2 * row), finish);
   columnStep(dst, 2 * row, sides, spec.levelStepTwiddles[0], groups, (wanted + 2 * row - 1) / (2 * row),
              finish);
 }
 
-// In the order in which columnStep reads them: W^(row column) for groups of eight columns. The table of the
-// circle has as many points as the real transform, twice as many as the order of the steps or more.
-void buildSteps(float *steps, std::int64_t rows, std::int64_t columns, UnitCircle circle,
-                std::int32_t order) {
-  const int shift = circle.order() - order;
-  const simd::i32x4 wrap = simd::splat4((std::int32_t{1} << circle.order()) - 1);
-  for (std::int64_t at = 0; at < columns; at += kColumns) {
-    simd::i32x4 indices[2] = {simd::splat4(0), simd::splat4(0)}, next[2];  // row times column
-    for (int half = 0; half < 2; ++half) {
-      std::int32_t column[4];
-      for (int i = 0; i < 4; ++i) column[i] = static_cast<std::int32_t>(at + 4 * half + i) << shift;
-      next[half] = simd::load4(column);
+// exp(-2 pi i k / 2^order) for k of the first half turn, as pairs, from the sines of the next order.
+void buildHalfTurn(float *points, std::int32_t order, const float *sines) {
+  const std::size_t quarter = std::size_t{1} << (order - 2);
+  const simd::f32x4 minus = simd::signBits4();
+  for (std::size_t k = 0; k < quarter; k += 4) {
+    const float *rising = sines + 2 * k, *falling = sines + 2 * (quarter - k) - 7;
+    const simd::f32x4 sine = simd::shuffle<0, 2, 0, 2>(simd::load4(rising), simd::load4(rising + 4)) ^ minus;
+    const simd::f32x4 cosine = simd::shuffle<3, 1, 3, 1>(simd::load4(falling + 4), simd::load4(falling));
+    storeInterleaved(points + 2 * k, {cosine, sine});
+    storeInterleaved(points + 2 * (quarter + k), {sine, cosine ^ minus});
+  }
+}
+
+// In the order in which columnStep reads them: W^(row column) for groups of eight columns, of this order,
+// from the points of a half turn of turnOrder.
+void buildSteps(float *steps, std::size_t rows, std::size_t columns, std::int32_t order, const float *points,
+                std::int32_t turnOrder) {
+  const int shift = turnOrder - order;
+  const std::size_t mask = (std::size_t{1} << (turnOrder - 1)) - 1;
+  for (std::size_t at = 0; at < columns; at += kColumns) {
+    simd::i32x4 halfTurns[2], next[2];  // the top bit tells whether their number is odd
+    for (std::int32_t half = 0; half < 2; ++half) {
+      const auto column = static_cast<std::int32_t>(at) + 4 * half;
+      const std::int32_t first[4] = {column, column + 1, column + 2, column + 3};
+      halfTurns[half] = simd::splat4(0);
+      next[half] = simd::load4(first) << (32 - order);
     }
-    for (std::int64_t row = 0; row < rows; ++row)
+    for (std::size_t row = 0; row < rows; ++row) {
+      std::size_t index = row * at << shift;
+      const std::size_t apart = row << shift;
       for (int half = 0; half < 2; ++half, steps += kLaneFloats) {
-        const auto [re, im] = circle.atFour(indices[half]);
-        storeLanes(steps, {re, im});
-        indices[half] = (indices[half] + next[half]) & wrap;
+        const std::size_t i0 = index, i1 = i0 + apart, i2 = i1 + apart, i3 = i2 + apart;
+        index = i3 + apart;
+        const float *p0 = points + 2 * (i0 & mask), *p1 = points + 2 * (i1 & mask),
+                    *p2 = points + 2 * (i2 & mask), *p3 = points + 2 * (i3 & mask);
+        const simd::f32x4 low = simd::loadPairs(p0, p1), high = simd::loadPairs(p2, p3);
+        const simd::f32x4 signs = simd::bitsOf(halfTurns[half]) & simd::signBits4();
+        halfTurns[half] = halfTurns[half] + next[half];
+        storeLanes(steps, {simd::shuffle<0, 2, 0, 2>(low, high) ^ signs,
+                           simd::shuffle<1, 3, 1, 3>(low, high) ^ signs});
       }
+    }
   }
 }
 
@@ -231,13 +290,10 @@ void recombine(Complex4 &low, Complex4 &high, Complex4 w) {
 
 void buildBinFactors(float *table, std::int32_t order, const UnitCircle &circle) {
   const std::int64_t quarter = std::int64_t{1} << (order - 2);
-  const simd::f64x2 half = simd::splat2(0.5);
   for (std::int64_t k = 0; k < quarter; k += 4, table += kLaneFloats) {
     const simd::f32x4 sine = simd::load4(circle.sines() + k);
     const simd::f32x4 cosine = simd::load4(circle.sines() + quarter - k - 3);
-    storeLanes(table,
-               {simd::shuffle<3, 2, 1, 0>(cosine, cosine) * 0.5F,
-                simd::narrow(half - half * simd::widenLow(sine), half - half * simd::widenHigh(sine))});
+    storeLanes(table, {simd::shuffle<3, 2, 1, 0>(cosine, cosine) * 0.5F, simd::splat4(0.5F) - sine * 0.5F});
   }
 }
 
@@ -285,10 +341,12 @@ void buildLargeTables(const TablePointers &tables, std::int32_t order, const Uni
       tables.indices[i][k] = static_cast<std::uint16_t>(positionOf(k, digit));
     buildLaneTwiddles(tables.lanes[i], digit, circle);
   }
-  const std::int64_t side = std::int64_t{1} << split.side;
-  const std::int64_t row = side << split.middle;
-  buildSteps(tables.steps[0], side, row, circle, order - 1);
-  buildSteps(tables.steps[1], row / side, side, circle, split.side + split.middle);
+  const std::size_t side = std::size_t{1} << split.side;
+  const std::size_t row = side << split.middle;
+  // Until it is filled itself, the table of the bins holds the points that the steps are taken from.
+  buildHalfTurn(tables.bins, order - 1, circle.sines());
+  buildSteps(tables.steps[0], side, row, order - 1, tables.bins, order - 1);
+  buildSteps(tables.steps[1], row / side, side, split.side + split.middle, tables.bins, order - 1);
   buildBinFactors(tables.bins, order, circle);
 }
 

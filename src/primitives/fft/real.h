@@ -1,4 +1,4 @@
-// Real transforms of 64 to 4096 values.
+// Real transforms of 64 to 8192 values.
 //
 // The values are a matrix of 16 rows. Its columns are transformed as what they are, real: sixteen values give
 // results 0 to 8, of which 0 and 8 are real, and the rest follows by symmetry. Multiplied by W_N^(column k),
@@ -15,7 +15,7 @@
 namespace orv::fft {
 
 constexpr std::int32_t kMinRealOrder = 6;
-constexpr std::int32_t kMaxRealOrder = 12;
+constexpr std::int32_t kMaxRealOrder = 13;
 constexpr std::size_t kMaxRealLen = std::size_t{1} << kMaxRealOrder;
 
 // Of one length.

@@ -18,11 +18,16 @@ struct Block {
 // How far a sum of products below may be from what libm gives: a few units of the 53rd bit.
 constexpr double kSlack = 0x1p-48;
 
-// The nearest single values where all doubles within the slack have the same, which is what the library's
-// sine of the angle itself then has too.
-bool settled(f64x2 v) {
+// Four values rounded to single precision. `doubtful` where not all doubles within the slack round alike;
+// what libm gives is within it, and rounds so too.
+struct Rounded {
+  simd::f32x4 values, doubtful;
+};
+Rounded rounded(f64x2 first, f64x2 second) {
   const f64x2 slack = simd::splat2(kSlack);
-  return simd::signs(simd::narrow(v - slack, v + slack) == simd::narrow(v, v)) == 15;
+  const simd::f32x4 low = simd::narrow(first - slack, second - slack);
+  const simd::f32x4 high = simd::narrow(first + slack, second + slack);
+  return {low, low < high};
 }
 
 }  // namespace
@@ -40,21 +45,23 @@ void buildSine(float *sine, std::int32_t order) {
   }
   for (std::int32_t first = 0; first < eighth; first += kBlock) {
     const f64x2 s = simd::splat2(std::sin(first * step)), c = simd::splat2(std::cos(first * step));
-    for (std::int32_t i = 0; i < kBlock; i += 2) {
-      const f64x2 cosine = simd::loadAligned2(within.cosine + i), sines = simd::loadAligned2(within.sine + i);
-      const f64x2 rising = s * cosine + c * sines, falling = c * cosine - s * sines;
-      float values[4];
-      simd::store4(values, simd::narrow(rising, falling));
-      const std::int32_t at = first + i;
-      if (!settled(rising) || !settled(falling)) [[unlikely]]
-        for (std::int32_t k = 0; k < 2; ++k) {
-          values[k] = static_cast<float>(std::sin((at + k) * step));
-          values[k + 2] = static_cast<float>(std::cos((at + k) * step));
-        }
-      for (std::int32_t k = 0; k < 2; ++k) {
-        sine[at + k] = values[k];
-        sine[quarter - at - k] = values[k + 2];
+    for (std::int32_t i = 0; i < kBlock; i += 4) {
+      f64x2 rising[2], falling[2];
+      for (int k = 0; k < 2; ++k) {
+        const f64x2 sines = simd::loadAligned2(within.sine + i + 2 * k);
+        const f64x2 cosines = simd::loadAligned2(within.cosine + i + 2 * k);
+        rising[k] = s * cosines + c * sines;
+        falling[k] = c * cosines - s * sines;
       }
+      const Rounded up = rounded(rising[0], rising[1]), down = rounded(falling[0], falling[1]);
+      const std::int32_t at = first + i;
+      simd::store4(sine + at, up.values);
+      simd::store4(sine + quarter - at - 3, simd::shuffle<3, 2, 1, 0>(down.values, down.values));
+      if (simd::signs(up.doubtful | down.doubtful) != 0) [[unlikely]]
+        for (std::int32_t k = at; k < at + 4; ++k) {
+          sine[k] = static_cast<float>(std::sin(k * step));
+          sine[quarter - k] = static_cast<float>(std::cos(k * step));
+        }
     }
   }
   sine[eighth] = static_cast<float>(std::sin(eighth * step));

@@ -6,8 +6,6 @@
 #include <bit>
 #include <cstdint>
 
-#include "primitives/simd.h"
-
 namespace orv::fft {
 
 // sin(2 pi i / 1024), i = 0..256.
@@ -76,23 +74,8 @@ class UnitCircle {
     return {negatedIf((quadrant ^ quadrant >> 1U) & 1U, re), negatedIf(~quadrant >> 1U & 1U, im)};
   }
 
-  // The same of four indices at once, at the order of the table.
-  struct FourTwiddles {
-    simd::f32x4 re, im;
-  };
-  FourTwiddles atFour(simd::i32x4 indices) const {
-    const std::int32_t quarter = std::int32_t{1} << (order_ - 2);
-    const simd::i32x4 within = indices & simd::splat4(quarter - 1);
-    const simd::i32x4 opposite = simd::splat4(quarter) - within;
-    const simd::i32x4 quadrant = indices >> (order_ - 2), half = quadrant >> 1;
-    const simd::i32x4 ifOdd = (within ^ opposite) & (simd::splat4(0) - (quadrant & simd::splat4(1)));
-    return {simd::gather4(sine_, opposite ^ ifOdd) ^ simd::bitsOf((quadrant ^ half) << 31),
-            simd::gather4(sine_, within ^ ifOdd) ^ simd::bitsOf((half ^ simd::splat4(1)) << 31)};
-  }
-
   // sin(2 pi i / 2^order) of the first quarter turn, at the order of the table.
   const float *sines() const { return sine_; }
-  std::int32_t order() const { return order_; }
 
  private:
   static constexpr float negatedIf(std::uint32_t condition, float v) {
