@@ -5,7 +5,7 @@ set -eu
 
 packages() {
   case $1 in
-    build) echo "build-essential cmake ninja-build pkg-config" ;;
+    build) echo "build-essential ccache cmake ninja-build pkg-config" ;;
     hosts) echo "libsndfile1-dev libkissfft-dev libcli11-dev nlohmann-json3-dev libxtensor-dev zlib1g-dev gnuplot-nox fonts-dejavu-core" ;;
     tests) echo "libgtest-dev binutils liblapack-dev" ;;
     bench) echo "libbenchmark-dev libfftw3-dev libkissfft-dev libeigen3-dev libopenblas-dev liblapack-dev libgsl-dev libfaiss-dev libsoxr-dev libsamplerate0-dev libspeexdsp-dev" ;;

@@ -59,6 +59,9 @@ struct Outcome {
   std::string out, err;
 };
 
+// The program stands beside the tests.
+inline fs::path program() { return fs::read_symlink("/proc/self/exe").parent_path() / "orv"; }
+
 class Hosts : public ::testing::Test {
  protected:
   Hosts() {
@@ -71,8 +74,8 @@ class Hosts : public ::testing::Test {
   // Runs orv in the test's folder. What a run writes to standard output and error is kept out of that folder.
   Outcome run(const std::string &arguments, const std::string &errors = "") {
     const std::string aside = folder.string() + ".streams";
-    const std::string command = "cd '" + folder.string() + "' && '" ORV_PROGRAM "' >'" + aside + ".out' 2>'" +
-                                (errors.empty() ? aside + ".err" : errors) + "' " + arguments;
+    const std::string command = "cd '" + folder.string() + "' && '" + program().string() + "' >'" + aside +
+                                ".out' 2>'" + (errors.empty() ? aside + ".err" : errors) + "' " + arguments;
     const int status = std::system(command.c_str());
     Outcome outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(aside + ".out"),
                     errors.empty() ? readFile(aside + ".err") : ""};

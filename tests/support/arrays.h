@@ -15,32 +15,31 @@
 #include <type_traits>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/asan_interface.h>
-#else
-#define ASAN_POISON_MEMORY_REGION(addr, size) ((void)(addr), (void)(size))
-#define ASAN_UNPOISON_MEMORY_REGION(addr, size) ((void)(addr), (void)(size))
-#endif
+// The address sanitizer's, where the program is linked with it: tests are compiled without.
+extern "C" {
+[[gnu::weak]] void __asan_poison_memory_region(const volatile void *start, std::size_t bytes);
+[[gnu::weak]] void __asan_unpoison_memory_region(const volatile void *start, std::size_t bytes);
+}
 
 namespace orv::test {
 
-// An array that starts `offset` bytes behind a 64-byte boundary, with guard bytes on both sides: a write into them
-// fails the test, a read behind the end is caught by the address sanitizer. Elements may lie at odd addresses;
-// at() and set() reach them.
+// An array that starts `offset` bytes behind a 64-byte boundary, with guard bytes on both sides: a write into
+// them fails the test, a read behind the end is caught by the address sanitizer. Elements may lie at odd
+// addresses; at() and set() reach them.
 template <class T>
 class Guarded {
  public:
   explicit Guarded(std::size_t len, std::size_t offset = 0)
-      : len_(len), memory_(new(std::align_val_t{64}) std::uint8_t[kGuard + offset + bytes() + kGuard]) {
+      : len_(len), memory_(new (std::align_val_t{64}) std::uint8_t[kGuard + offset + bytes() + kGuard]) {
     start_ = memory_.get() + kGuard + offset;
     std::memset(memory_.get(), kFill, total());
-    ASAN_POISON_MEMORY_REGION(start_ + bytes(), kGuard);
+    if (__asan_poison_memory_region) __asan_poison_memory_region(start_ + bytes(), kGuard);
   }
   Guarded(const std::vector<T> &values, std::size_t offset = 0) : Guarded(values.size(), offset) {
     if (!values.empty()) std::memcpy(start_, values.data(), bytes());
   }
   ~Guarded() {
-    ASAN_UNPOISON_MEMORY_REGION(start_ + bytes(), kGuard);
+    if (__asan_unpoison_memory_region) __asan_unpoison_memory_region(start_ + bytes(), kGuard);
     EXPECT_TRUE(intact()) << "something was written outside an array";
   }
   Guarded(const Guarded &) = delete;
@@ -90,8 +89,8 @@ class Guarded {
 
 using Random = std::mt19937;
 
-// Whole numbers between -limit and limit, as any element type: sums and products of a few of them are exact in
-// every order.
+// Whole numbers between -limit and limit, as any element type: sums and products of a few of them are exact
+// in every order.
 template <class T>
 std::vector<T> wholeNumbers(Random &random, std::size_t len, int limit) {
   std::uniform_int_distribution<int> draw(-limit, limit);
@@ -131,8 +130,8 @@ template <class T>
     if (std::isnan(actual) && std::isnan(expected)) return ::testing::AssertionSuccess();
   }
   if (std::memcmp(&actual, &expected, sizeof(T)) == 0) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << std::hexfloat << +actual << " is not " << +expected << std::defaultfloat
-                                       << " (" << +actual << ", " << +expected << ")";
+  return ::testing::AssertionFailure() << std::hexfloat << +actual << " is not " << +expected
+                                       << std::defaultfloat << " (" << +actual << ", " << +expected << ")";
 }
 
 }  // namespace orv::test
