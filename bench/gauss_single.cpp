@@ -141,6 +141,9 @@ void addBlockDiagonal() {
   addBlocks<float, float, OrvBlockDMatrix_32f>(
       "LogGaussSingle_BlockDVar_32f", orvsBlockDMatrixInitAlloc_32f, orvsBlockDMatrixFree_32f,
       [](auto... arguments) { orvsLogGaussSingle_BlockDVar_32f(arguments..., -30); });
+  addBlocks<float, double, OrvBlockDMatrix_32f>(
+      "LogGaussSingle_BlockDVar_32f64f", orvsBlockDMatrixInitAlloc_32f, orvsBlockDMatrixFree_32f,
+      [](auto... arguments) { orvsLogGaussSingle_BlockDVar_32f64f(arguments..., -30); });
   addBlocks<double, double, OrvBlockDMatrix_64f>(
       "LogGaussSingle_BlockDVar_64f", orvsBlockDMatrixInitAlloc_64f, orvsBlockDMatrixFree_64f,
       [](auto... arguments) { orvsLogGaussSingle_BlockDVar_64f(arguments..., -30); });
@@ -155,6 +158,8 @@ void addBlockDiagonal() {
 void addDistances() {
   add<Weights::times, float, float>("MahDistSingle_32f",
                                     [](auto... arguments) { orvsMahDistSingle_32f(arguments...); });
+  add<Weights::times, float, double>("MahDistSingle_32f64f",
+                                     [](auto... arguments) { orvsMahDistSingle_32f64f(arguments...); });
   add<Weights::times, double, double>("MahDistSingle_64f",
                                       [](auto... arguments) { orvsMahDistSingle_64f(arguments...); });
   add<Weights::times, Integer, float>("MahDistSingle_16s32f",

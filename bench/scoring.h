@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <type_traits>
 
 #include "bench/data.h"
@@ -61,8 +62,18 @@ struct Scoring {
 
   const T *row(std::int32_t r) const { return &rows[at(r)]; }
   const T *weightsOf(std::int32_t r) const { return &weights[at(r)]; }
+  // The same as arrays of row pointers.
+  const T *const *rowPointers() { return pointersTo(rows, rowPointers_); }
+  const T *const *weightPointers() { return pointersTo(weights, weightPointers_); }
 
  private:
+  const T *const *pointersTo(const Array<T> &of, Array<const T *> &pointers) {
+    for (auto r = static_cast<std::int32_t>(pointers.size()); r < size.rows; ++r)
+      pointers.push_back(&of[at(r)]);
+    return pointers.data();
+  }
+  Array<const T *> rowPointers_, weightPointers_;
+
   // The numbers of the largest size, which are made once.
   struct Pools {
     static constexpr std::size_t len = std::size_t{1024} * 60;
@@ -191,10 +202,10 @@ double aimOf(Then then) {
   return std::is_integral_v<R> ? 3.0 : 4.0;
 }
 
-// A row of the table: a member of a family in all sizes, beside the plain loop and Eigen. Double precision is
-// measured in one size.
-template <Family family, class T, class R, class Ours>
-void addMember(const std::string &name, Ours ours) {
+// Rows of the table: a member of a family in all sizes, beside the plain loop, Eigen, and the member that
+// takes row pointers. Double precision is measured in one size.
+template <Family family, class T, class R, class Ours, class Pointers>
+void addMember(const std::string &name, Ours ours, Pointers pointers) {
   for (const Size size : kSizes) {
     if (std::is_same_v<R, double> && !size.isMain()) continue;
     const auto on = [size](auto work) {
@@ -214,7 +225,18 @@ void addMember(const std::string &name, Ours ours) {
       member.peer("Eigen", size.aim(1.3), on(scorePlainly<family, EigenSum, T, R>));
 #endif
     }
+    member.peer("row pointers", 0.0, on(pointers));
   }
+}
+
+// Lists of types, by which members are told apart: the arguments that those with a step and those with row
+// pointers have in common.
+template <class... Types>
+struct List {};
+
+template <class Member, class... Arguments>
+void call(Member member, std::tuple<Arguments...> matrices, auto others) {
+  std::apply(member, std::tuple_cat(matrices, others));
 }
 
 }  // namespace orv::bench
