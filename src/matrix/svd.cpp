@@ -41,7 +41,8 @@ class Decomposition {
     // Each matrix by itself first: the products are below 2^63, their sum need not be.
     if (uStride * n > INT32_MAX || vStride * n > INT32_MAX) return;
     // Reflections are done before the first rotation is.
-    const std::int64_t reflected = (n < kReflections ? n : kReflections) * (uStride > 2 * vStride ? uStride : 2 * vStride);
+    const std::int64_t reflected =
+        (n < kReflections ? n : kReflections) * (uStride > 2 * vStride ? uStride : 2 * vStride);
     const std::int64_t rotated = kSweeps * std::int64_t{n} * kRotation;
     const std::int64_t room = reflected > 2 * rotated ? reflected : 2 * rotated;
     const std::int64_t total = kAlign + uStride * n + vStride * n + room + 3 * vStride + uStride;
@@ -128,24 +129,25 @@ class Decomposition {
     const double g = againstSignOf(std::sqrt(s), f);
     const double h = f * g - s;
     column[0] = f - g;
-    std::int32_t j = i + 1;
-    for (; n_ - j >= 4; j += 4) {
-      const FourLines x(u_, j, i);
+    // Downward, since the next walk goes upward and begins with what is still near.
+    std::int32_t j = n_;
+    for (; j - i > 4; j -= 4) {
+      const FourLines x(u_, j - 4, i);
       double t[4];
       if (rowScale_ != 0) {
-        for (int k = 0; k < 4; ++k) x.x[k][-1] = row_[j + k] * rowScale_;
-        x.addMulAndDot(sums_, factors_ + j, column, t, len);
+        for (int k = 0; k < 4; ++k) x.x[k][-1] = row_[j - 4 + k] * rowScale_;
+        x.addMulAndDot(sums_, factors_ + j - 4, column, t, len);
       } else {
         x.dot(column, t, len);
       }
       for (double &v : t) v = v / h;
       x.addMul(column, t, len);
-      for (int k = 0; k < 4; ++k) row_[j + k] = x.x[k][0];
+      for (int k = 0; k < 4; ++k) row_[j - 4 + k] = x.x[k][0];
     }
-    for (; j < n_; ++j) {
-      takeRow(i, j, j + 1);
-      addMul(column, u_[j] + i, len, dot(column, u_[j] + i, len) / h);
-      row_[j] = u_[j][i];
+    takeRow(i, i + 1, j);
+    for (std::int32_t k = i + 1; k < j; ++k) {
+      addMul(column, u_[k] + i, len, dot(column, u_[k] + i, len) / h);
+      row_[k] = u_[k][i];
     }
     scale(column, len, sum);
     return g;
