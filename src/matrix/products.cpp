@@ -18,10 +18,60 @@ using namespace columns;
 
 // --- vector by matrix: a sum of rows
 
+// Four columns at `column` of the rows first, first + 1, ..., and those beside them; n fours in all, the last
+// of which stands at lastColumn. Their sums grow by w x, row after row.
+template <int n, class Rows>
+inline void addRows(const float *vec, const Rows &rows, std::int32_t first, std::int32_t end,
+                    std::int32_t column, std::int32_t lastColumn, float *sums) {
+  simd::f32x4 sum[n];
+  for (int i = 0; i < n; ++i) sum[i] = first == 0 ? simd::splat4(0.0F) : simd::load4(sums + 4 * i);
+  for (std::int32_t r = first; r < end; ++r) {
+    const simd::f32x4 w = simd::splat4(load(vec + r));
+    const float *const x = rows.row(r) + column;
+    for (int i = 0; i < n - 1; ++i) sum[i] = sum[i] + simd::load4(x + 4 * i) * w;
+    sum[n - 1] = sum[n - 1] + simd::load4(x + (lastColumn - column)) * w;
+  }
+  for (int i = 0; i < n; ++i) simd::store4(sums + 4 * i, sum[i]);
+}
+
+// n is anything from 1 to most.
+template <int most, class Rows>
+[[gnu::noinline]] void addRowsOf(int n, const float *vec, const Rows &rows, std::int32_t first,
+                                 std::int32_t end, std::int32_t column, std::int32_t lastColumn,
+                                 float *sums) {
+  if constexpr (most > 1)
+    if (n < most) return addRowsOf<most - 1>(n, vec, rows, first, end, column, lastColumn, sums);
+  addRows<most>(vec, rows, first, end, column, lastColumn, sums);
+}
+
+// The sums of sumColumns in the same order, with less around them: a third more speed where a row is short.
+// Eight fours of columns share a row's weight, at the end up to twelve, and rows are taken in blocks that
+// stay near. The last four columns may hold some that the four before have too: they are added twice, in the
+// same way.
 template <class Rows>
 void vecMat(const float *vec, const Rows &rows, std::int32_t height, float *dst, std::int32_t width) {
-  sumColumns(WeightedMoments<float, SumSingle>{vec}, rows, height, width, FromZero{},
-             [=](std::int32_t c, const auto &total) { store(dst + c, total.sum); });
+  if (width < 4) {
+    sumColumns(WeightedMoments<float, SumSingle>{vec}, rows, height, width, FromZero{},
+               [=](std::int32_t c, const auto &total) { store(dst + c, total.sum); });
+    return;
+  }
+  constexpr std::int32_t together = 32, most = 48, nearby = 4096;
+  const std::int32_t rowsAtOnce = std::clamp(nearby / width, 8, 64);
+  for (std::int32_t stripe = 0; stripe < width; stripe += std::min(kStripeColumns, width - stripe)) {
+    float sums[kStripeColumns];
+    const std::int32_t columns = std::min(kStripeColumns, width - stripe), fours = (columns + 3) / 4;
+    for (std::int32_t r = 0, end; r < height; r = end) {
+      end = r + std::min(rowsAtOnce, height - r);
+      std::int32_t c = 0;
+      for (; columns - c > most || columns - c == together; c += together)
+        addRows<together / 4>(vec, rows, r, end, stripe + c, stripe + c + together - 4, sums + c);
+      if (c < columns)
+        addRowsOf<most / 4>(fours - c / 4, vec, rows, r, end, stripe + c,
+                            std::min(stripe + 4 * fours, width) - 4, sums + c);
+    }
+    for (int i = 0; i < fours; ++i)
+      simd::store4(dst + std::min(stripe + 4 * i, width - 4), simd::load4(sums + 4 * i));
+  }
 }
 
 template <class Form, class Rows, class Out>
