@@ -19,7 +19,7 @@ using namespace columns;
 // --- vector by matrix: a sum of rows
 
 // Four columns at `column` of the rows first, first + 1, ..., and those beside them; n fours in all, the last
-// of which stands at lastColumn. Their sums grow by w x, row after row.
+// of which stands at lastColumn. Their sums begin at row 0 and grow by w x, row after row.
 template <int n, class Rows>
 inline void addRows(const float *vec, const Rows &rows, std::int32_t first, std::int32_t end,
                     std::int32_t column, std::int32_t lastColumn, float *sums) {
@@ -44,7 +44,28 @@ template <int most, class Rows>
   addRows<most>(vec, rows, first, end, column, lastColumn, sums);
 }
 
-// The sums of sumColumns in the same order, with less around them: a third more speed where a row is short.
+// The same for eight rows and any number of fours: rows that are long are read from one end to the other.
+constexpr int kLongRows = 8;
+template <class Rows>
+void addLongRows(const float *vec, const Rows &rows, std::int32_t first, int fours, std::int32_t column,
+                 std::int32_t lastColumn, float *sums) {
+  const float *x[kLongRows];
+  simd::f32x4 w[kLongRows];
+  for (int i = 0; i < kLongRows; ++i) {
+    x[i] = rows.row(first + i) + column;
+    w[i] = simd::splat4(load(vec + first + i));
+  }
+  const auto add = [&](std::int32_t k, float *p) {
+    simd::f32x4 sum = simd::load4(p);
+    for (int i = 0; i < kLongRows; ++i) sum = sum + simd::load4(x[i] + k) * w[i];
+    simd::store4(p, sum);
+  };
+  const std::int32_t body = 4 * fours - 4;
+  for (std::int32_t k = 0; k < body; k += 4) add(k, sums + k);
+  add(lastColumn - column, sums + body);
+}
+
+// The sums of sumColumns in the same order, with less around them.
 // Eight fours of columns share a row's weight, at the end up to twelve, and rows are taken in blocks that
 // stay near. The last four columns may hold some that the four before have too: they are added twice, in the
 // same way.
@@ -55,19 +76,25 @@ void vecMat(const float *vec, const Rows &rows, std::int32_t height, float *dst,
                [=](std::int32_t c, const auto &total) { store(dst + c, total.sum); });
     return;
   }
-  constexpr std::int32_t together = 32, most = 48, nearby = 4096;
+  constexpr std::int32_t together = 32, most = 48, nearby = 4096, longRow = 320;
   const std::int32_t rowsAtOnce = std::clamp(nearby / width, 8, 64);
   for (std::int32_t stripe = 0; stripe < width; stripe += std::min(kStripeColumns, width - stripe)) {
     float sums[kStripeColumns];
     const std::int32_t columns = std::min(kStripeColumns, width - stripe), fours = (columns + 3) / 4;
-    for (std::int32_t r = 0, end; r < height; r = end) {
+    const std::int32_t lastColumn = std::min(stripe + 4 * fours, width) - 4;
+    std::int32_t r = 0;
+    if (columns >= longRow) {
+      for (int i = 0; i < fours; ++i) simd::store4(sums + 4 * i, simd::splat4(0.0F));
+      for (; height - r >= kLongRows; r += kLongRows)
+        addLongRows(vec, rows, r, fours, stripe, lastColumn, sums);
+    }
+    for (std::int32_t end; r < height; r = end) {
       end = r + std::min(rowsAtOnce, height - r);
       std::int32_t c = 0;
       for (; columns - c > most || columns - c == together; c += together)
         addRows<together / 4>(vec, rows, r, end, stripe + c, stripe + c + together - 4, sums + c);
       if (c < columns)
-        addRowsOf<most / 4>(fours - c / 4, vec, rows, r, end, stripe + c,
-                            std::min(stripe + 4 * fours, width) - 4, sums + c);
+        addRowsOf<most / 4>(fours - c / 4, vec, rows, r, end, stripe + c, lastColumn, sums + c);
     }
     for (int i = 0; i < fours; ++i)
       simd::store4(dst + std::min(stripe + 4 * i, width - 4), simd::load4(sums + 4 * i));
