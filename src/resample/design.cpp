@@ -35,30 +35,46 @@ std::int64_t samplesOf(const GridShape &grid, std::int64_t taps, std::int64_t pe
 // whose outputs stand between its places; places and inputs in a period of the grid.
 constexpr std::int64_t kLeastTaps = 48;
 constexpr std::int64_t kLeastTapsBetween = 120;
+constexpr std::int64_t kLeastFreeTapsBetween = 56;  // the rows that are interpolated are short ones then
 constexpr std::int64_t kMostBranches = 64;
-
-// The filter between places has this attenuation, for which its transition takes 0.853 of the
-// Nyquist frequency of the grid. So the signal may reach to 0.573 of it.
-constexpr Settings kBetweenPlaces = {12, 1.0, 155};
-constexpr double kEdge = 0.573;
 
 // With less attenuation the ends of the window make steps in the filter, which places so far apart do not
 // show: exact filters then need sums. Between rows that are interpolated less is lost by that than by
 // straight lines.
 constexpr double kLeastAttenuation = 120, kLeastFreeAttenuation = 100;
 
+// The highest frequency of the signal, of the Nyquist frequency of the grid.
+constexpr double kEdge = 0.573;
+
+// The second filter has an attenuation that leaves rounding alone, and as many taps as its transition, from
+// the signal to its images, asks for: 24 at most.
+Settings betweenPlaces(double attenuation, double edge) {
+  const double enough = attenuation < kLeastAttenuation ? attenuation + 20 : 150;
+  const double taps = (enough - 7.95) / (7.18 * (2 - 2 * edge));
+  return {2 * static_cast<std::int32_t>(std::ceil(taps / 4)), 1.0, enough};
+}
+
 GridShape gridIfPossible(const GridShape &grid) { return grid.order() == 0 ? GridShape{} : grid; }
 
-// A grid fine enough to find all else of the signal between its places.
-GridShape gridOfTheSignal(const Settings &settings, double cutOff, std::int64_t taps, bool powerOfTwo) {
-  if (taps < kLeastTapsBetween) return {};
+// A grid fine enough to find the signal between its places.
+struct GridBetween {
+  GridShape grid;
+  Settings between;
+  std::int64_t taps() const { return 2 * std::int64_t{between.halfLen}; }
+};
+GridBetween gridOfTheSignal(const Settings &settings, double cutOff, std::int64_t taps, bool powerOfTwo) {
   const double edge =
       cutOff * (settings.rollOff + (settings.attenuation - 7.95) / (2 * 14.36 * settings.halfLen));
   if (edge > 2 * kEdge) return {};
-  if (edge > kEdge) return gridIfPossible({2, 1, taps});
-  auto down = static_cast<std::int64_t>(std::min(kEdge / edge, 256.0));
-  if (powerOfTwo) down = static_cast<std::int64_t>(std::bit_floor(static_cast<std::uint64_t>(down)));
-  return gridIfPossible({1, down, taps});
+  GridShape grid = {2, 1, taps};
+  if (edge <= kEdge) {
+    grid.up = 1;
+    grid.down = static_cast<std::int64_t>(std::min(kEdge / edge, 256.0));
+    if (powerOfTwo)
+      grid.down = static_cast<std::int64_t>(std::bit_floor(static_cast<std::uint64_t>(grid.down)));
+  }
+  const double ofGrid = edge * static_cast<double>(grid.down) / static_cast<double>(grid.up);
+  return {gridIfPossible(grid), betweenPlaces(settings.attenuation, ofGrid)};
 }
 
 // Kaiser's shape parameter for an attenuation in dB.
@@ -128,19 +144,19 @@ Shape fixedShape(const Settings &settings, std::int64_t up, std::int64_t down) {
   const Rows designed = {up, up, taps};
   if (up != down && up * down <= kMostBranches && taps >= kLeastTaps) {
     const GridShape grid = gridIfPossible({up, down, taps});
-    if (grid.exists()) return {designed, {1, 0, 2}, grid, samplesOf(grid, 2, 1), 0, cutOff};
+    if (grid.exists()) return {designed, {1, 0, 2}, grid, {}, samplesOf(grid, 2, 1), 0, cutOff};
   }
-  if (up != down && settings.attenuation >= kLeastAttenuation) {
-    const GridShape grid = gridOfTheSignal(settings, cutOff, taps, false);
+  if (up != down && taps >= kLeastTapsBetween && settings.attenuation >= kLeastAttenuation) {
+    const GridBetween found = gridOfTheSignal(settings, cutOff, taps, false);
+    const GridShape &grid = found.grid;
     if (grid.exists()) {
       const std::int64_t divisor = std::gcd(up * grid.down, down * grid.up);
-      const std::int64_t phases = up * grid.down / divisor;
-      return {designed, {phases, phases, kTapsBetweenPlaces},
-              grid,     samplesOf(grid, kTapsBetweenPlaces, down * grid.up / divisor),
-              0,        cutOff};
+      const std::int64_t phases = up * grid.down / divisor, period = down * grid.up / divisor;
+      const Rows sums = {phases, phases, found.taps()};
+      return {designed, sums, grid, found.between, samplesOf(grid, sums.taps, period), 0, cutOff};
     }
   }
-  return {designed, designed, {}, samplesOf(taps, down), 0, cutOff};
+  return {designed, designed, {}, {}, samplesOf(taps, down), 0, cutOff};
 }
 
 Shape freeShape(const Settings &settings, double minRatio) {
@@ -154,20 +170,17 @@ Shape freeShape(const Settings &settings, double minRatio) {
         static_cast<std::int64_t>(std::ceil(std::clamp(rows * period, kLeastRows, kMostRows)));
     return Rows{perSample, perSample + 1, rowTaps};
   };
-  const GridShape grid = settings.attenuation >= kLeastFreeAttenuation
-                             ? gridOfTheSignal(settings, cutOff, taps, true)
-                             : GridShape{};
-  if (!grid.exists()) return {rowsOf(1, taps), rowsOf(1, taps), {}, samplesOf(taps, 0), 0, cutOff};
-  const std::int64_t samples = samplesOf(grid, kTapsBetweenPlaces, 0);
-  return {{1, 0, taps},
-          rowsOf(static_cast<double>(grid.down) / static_cast<double>(grid.up), kTapsBetweenPlaces),
-          grid,
-          samples,
-          samples * grid.down / grid.up,
-          cutOff};
+  const GridBetween found = taps >= kLeastFreeTapsBetween && settings.attenuation >= kLeastFreeAttenuation
+                                ? gridOfTheSignal(settings, cutOff, taps, true)
+                                : GridBetween{};
+  const GridShape &grid = found.grid;
+  if (!grid.exists()) return {rowsOf(1, taps), rowsOf(1, taps), {}, {}, samplesOf(taps, 0), 0, cutOff};
+  const Rows sums = rowsOf(static_cast<double>(grid.down) / static_cast<double>(grid.up), found.taps());
+  const std::int64_t samples = samplesOf(grid, sums.taps, 0);
+  return {{1, 0, taps}, sums, grid, found.between, samples, samples * grid.down / grid.up, cutOff};
 }
 
-void designBetweenPlaces(const Rows &rows, float *to) { design(kBetweenPlaces, 1.0, rows, to); }
+void designBetweenPlaces(const Shape &shape, float *to) { design(shape.between, 1.0, shape.sums, to); }
 
 void design(const Settings &settings, double cutOff, const Rows &shape, float *rows) {
   const std::int64_t half = shape.taps / 2;

@@ -17,9 +17,6 @@ constexpr double kMaxRatio = 256.0;
 // more.
 constexpr std::int64_t kMostHeldBack = 4096;
 
-// Of the filter that finds outputs between the places of a grid.
-constexpr std::int32_t kTapsBetweenPlaces = 24;
-
 struct Settings {
   std::int32_t halfLen;  // zero crossings of the sinc on either side
   double rollOff;        // where the sinc cuts off, of the lower of the two Nyquist frequencies
@@ -46,6 +43,7 @@ struct Shape {
   Rows designed;         // the filter itself
   Rows sums;             // what is summed over the buffer of samples: `designed`, or the second filter
   GridShape grid;        // what is put into that buffer, if not the inputs
+  Settings between;      // of that second filter
   std::int64_t samples;  // of the buffer, which holds the windows of many outputs
   std::int64_t inputs;   // of the buffer of those inputs that lie on the grid; 0 where they are not needed
   double cutOff;         // the lower Nyquist frequency, of the input's
@@ -60,7 +58,7 @@ Shape freeShape(const Settings &settings, double minRatio);
 // Fills rows.count rows of taps; a single row without a cut-off is a unit impulse.
 void design(const Settings &settings, double cutOff, const Rows &rows, float *to);
 // Of the second filter, which leaves what it is given as it is.
-void designBetweenPlaces(const Rows &rows, float *to);
+void designBetweenPlaces(const Shape &shape, float *to);
 
 }  // namespace orv::resample
 

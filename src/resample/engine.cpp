@@ -9,15 +9,16 @@ namespace {
 
 using namespace simd;
 
-// Every output is a sum in eight lanes, tap k in lane k mod 8, lanes i and i + 4 added first, whichever of
-// these loops makes it: how many outputs are made together depends on how calls are cut, and must not be
-// seen.
+// Every output is a sum in eight lanes, of a multiple of four taps, tap k in lane k mod 8, lanes i and i + 4
+// added first, whichever of these loops makes it: how many outputs are made together depends on how calls are
+// cut, and must not be seen.
 
 // Four outputs of one row, whose windows begin `step` samples after one another: the row is loaded once.
 f32x4 fourOfOneRow(const float *x, std::ptrdiff_t step, const float *row, std::int32_t taps) {
   const float *x1 = x + step, *x2 = x1 + step, *x3 = x2 + step;
   f32x4 a0 = splat4(0.0F), a1 = a0, b0 = a0, b1 = a0, c0 = a0, c1 = a0, d0 = a0, d1 = a0;
-  for (std::int32_t k = 0; k < taps; k += 8) {
+  std::int32_t k = 0;
+  for (; k + 8 <= taps; k += 8) {
     const f32x4 h0 = loadAligned4(row + k), h1 = loadAligned4(row + k + 4);
     a0 = a0 + load4(x + k) * h0;
     b0 = b0 + load4(x1 + k) * h0;
@@ -27,6 +28,13 @@ f32x4 fourOfOneRow(const float *x, std::ptrdiff_t step, const float *row, std::i
     b1 = b1 + load4(x1 + k + 4) * h1;
     c1 = c1 + load4(x2 + k + 4) * h1;
     d1 = d1 + load4(x3 + k + 4) * h1;
+  }
+  if (taps % 8 != 0) {
+    const f32x4 h0 = loadAligned4(row + k);
+    a0 = a0 + load4(x + k) * h0;
+    b0 = b0 + load4(x1 + k) * h0;
+    c0 = c0 + load4(x2 + k) * h0;
+    d0 = d0 + load4(x3 + k) * h0;
   }
   return sumLanesOfFour(a0 + a1, b0 + b1, c0 + c1, d0 + d1);
 }
@@ -38,25 +46,39 @@ struct Two {
 // Two outputs of rows of their own.
 Two twoOutputs(const float *x, const float *row, const float *y, const float *rowY, std::int32_t taps) {
   f32x4 a0 = splat4(0.0F), a1 = a0, b0 = a0, b1 = a0;
-  for (std::int32_t k = 0; k < taps; k += 8) {
+  std::int32_t k = 0;
+  for (; k + 8 <= taps; k += 8) {
     a0 = a0 + load4(x + k) * loadAligned4(row + k);
     b0 = b0 + load4(y + k) * loadAligned4(rowY + k);
     a1 = a1 + load4(x + k + 4) * loadAligned4(row + k + 4);
     b1 = b1 + load4(y + k + 4) * loadAligned4(rowY + k + 4);
   }
+  if (taps % 8 != 0) {
+    a0 = a0 + load4(x + k) * loadAligned4(row + k);
+    b0 = b0 + load4(y + k) * loadAligned4(rowY + k);
+  }
   return {sumLanes(a0 + a1), sumLanes(b0 + b1)};
 }
 
 // The lanes of one window through what lies at `part` between a row and the next.
-f32x4 betweenRows(const float *x, const float *row, std::int32_t taps, float part) {
+inline f32x4 betweenRows(const float *x, const float *row, std::int32_t taps, float part) {
   const float *next = row + taps;
-  f32x4 a0 = splat4(0.0F), a1 = a0, b0 = a0, b1 = a0;
-  for (std::int32_t k = 0; k < taps; k += 8) {
-    const f32x4 x0 = load4(x + k), x1 = load4(x + k + 4);
+  f32x4 x0 = load4(x), x1 = load4(x + 4);
+  f32x4 a0 = x0 * loadAligned4(row), a1 = x1 * loadAligned4(row + 4);
+  f32x4 b0 = x0 * loadAligned4(next), b1 = x1 * loadAligned4(next + 4);
+  std::int32_t k = 8;
+  for (; k + 8 <= taps; k += 8) {
+    x0 = load4(x + k);
+    x1 = load4(x + k + 4);
     a0 = a0 + x0 * loadAligned4(row + k);
     b0 = b0 + x0 * loadAligned4(next + k);
     a1 = a1 + x1 * loadAligned4(row + k + 4);
     b1 = b1 + x1 * loadAligned4(next + k + 4);
+  }
+  if (taps % 8 != 0) {
+    x0 = load4(x + k);
+    a0 = a0 + x0 * loadAligned4(row + k);
+    b0 = b0 + x0 * loadAligned4(next + k);
   }
   const f32x4 a = a0 + a1;
   return a + ((b0 + b1) - a) * part;
@@ -133,8 +155,8 @@ std::int32_t keptInputs(Converter &c, float *dst, std::int32_t room) {
   return made;
 }
 
-// Outputs at any place between samples, by rows that are interpolated: taps of them, or as many as the state
-// says.
+// Outputs at any place between samples, by rows that are interpolated: of so many taps, or of as many as the
+// state says.
 template <std::int32_t fixedTaps>
 std::int32_t sumsBetweenRows(Converter &c, float *dst, std::int32_t room) {
   const std::int32_t taps = fixedTaps > 0 ? fixedTaps : c.taps, last = c.perSample - 1;
@@ -177,7 +199,7 @@ void buildBehindGrid(Converter &c, const Settings &settings, const Shape &shape)
   c.keptInputs = static_cast<std::int32_t>(roundUp16(shape.inputs));
   c.gridUp = static_cast<std::int32_t>(shape.grid.up);
   c.gridDown = static_cast<std::int32_t>(shape.grid.down);
-  designBetweenPlaces(shape.sums, c.filter());
+  designBetweenPlaces(shape, c.filter());
   // The grid begins on an input, as far ahead of the first as the first window does, or a little more.
   const std::int32_t ahead = c.taps / 2 - 1, begun = (ahead + c.gridUp - 1) / c.gridUp;
   c.first = begun * c.gridUp - ahead;
@@ -335,12 +357,15 @@ std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool more
 
 std::int32_t produceFree(Converter &c, float *dst, std::int32_t room, bool /*moreToCome*/) {
   if (c.keptInputs > 0 && c.ratio == 1 && standsOnInput(c)) return keptInputs(c, dst, room);
-  if (!c.clock.isSampleBySample())
-    return c.taps == kTapsBetweenPlaces ? sumsBetweenRows<kTapsBetweenPlaces>(c, dst, room)
-                                        : sumsBetweenRows<0>(c, dst, room);
-  const std::int32_t made = passThrough(c, dst, room);
-  c.made += static_cast<std::uint64_t>(made);
-  return made;
+  if (c.clock.isSampleBySample()) {
+    const std::int32_t made = passThrough(c, dst, room);
+    c.made += static_cast<std::uint64_t>(made);
+    return made;
+  }
+  // What filters between places have most often.
+  if (c.taps == 20) return sumsBetweenRows<20>(c, dst, room);
+  if (c.taps == 16) return sumsBetweenRows<16>(c, dst, room);
+  return sumsBetweenRows<0>(c, dst, room);
 }
 
 }  // namespace orv::resample
