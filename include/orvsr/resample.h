@@ -43,9 +43,9 @@ extern "C" {
  *
  * Of `best` it is the rounding of single precision that remains. Two ways lead to an output:
  * - Short filters are sums in single precision, in eight lanes whatever the cutting.
- * - Long ones are carried out by fast Fourier transforms of 256 to 4096 samples. Outputs that stand on L places in M
+ * - Long ones are carried out by fast Fourier transforms of 512 to 4096 samples. Outputs that stand on L places in M
  *   input periods with L M <= 64 come from filters of 48 taps and more directly. Otherwise, from 120 taps on, transforms
- *   give the filtered signal on a grid, at least 1.75 times as fine as its highest frequency asks for, and 24 taps find
+ *   give the filtered signal on a grid, at least 1.75 times as fine as its highest frequency asks for, and 16 to 24 taps find
  *   the outputs between its places (with A of 120 dB and more, and of 100 dB where the ratio is free). Between integer
  *   rates and of noise they differ from the exact sums over the taps by 2^-23 of its largest value, and by less than 2^-20
  *   at most; of any signal by such parts of the largest input that goes into a block. An infinity or a NaN spoils all
@@ -54,7 +54,7 @@ extern "C" {
  * Streams. A call takes samples from pSrc as long as there is room at pDst for what they give, and reports how many it
  * consumed and produced; the host offers the rest again. Sums come when the half of their window that lies ahead of them
  * has come, H / c samples later; what comes from transforms comes in blocks, when the last window of a block has come.
- * A transform is 256 samples long or the least power of two that is three times a window, of every M-th input or of every
+ * A transform is 512 samples long or the least power of two that is three times a window, of every M-th input or of every
  * one. As blocks give much at a time, inputs of the next one are taken even where there is no room for all outputs of the
  * last one, but not by a call without any room. A call with flags = orvResampleEnd says that the signal ends with its samples. Once
  * all of them are consumed the end is known, the remaining outputs are produced by that call and, where there was no room
@@ -71,7 +71,7 @@ extern "C" {
  *
  * Memory. For sums 255 + 4 (rows taps + buffer) bytes, taps being 2 H / c rounded up to a multiple of 8, rows L or P + 1,
  * and buffer = taps + max(taps, 1024), or more, up to 8192, where M is above 128. For transforms tables, spectra and
- * buffers of a few blocks come to it, and the rows of a free ratio are those of 24 taps. Nothing is allocated while
+ * buffers of a few blocks come to it, and the rows of a free ratio are those of 16 to 24 taps. Nothing is allocated while
  * streaming.
  *
  * Birth and end. An InitAlloc function allocates the state and stores its address in *ppState; the Free function of the

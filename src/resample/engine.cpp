@@ -14,7 +14,7 @@ using namespace simd;
 // cut, and must not be seen.
 
 // Four outputs of one row, whose windows begin `step` samples after one another: the row is loaded once.
-f32x4 fourOfOneRow(const float *x, std::ptrdiff_t step, const float *row, std::int32_t taps) {
+inline f32x4 fourOfOneRow(const float *x, std::ptrdiff_t step, const float *row, std::int32_t taps) {
   const float *x1 = x + step, *x2 = x1 + step, *x3 = x2 + step;
   f32x4 a0 = splat4(0.0F), a1 = a0, b0 = a0, b1 = a0, c0 = a0, c1 = a0, d0 = a0, d1 = a0;
   std::int32_t k = 0;
@@ -95,19 +95,20 @@ std::int32_t passThrough(Converter &c, float *dst, std::int32_t room) {
   return len;
 }
 
-// Two or four periods of the clock: L rows, each of as many outputs.
-template <int periods>
+// Two or four periods of the clock: L rows, each of as many outputs, of so many taps or of any number.
+template <int periods, std::int32_t fixedTaps = 0>
 void wholePeriods(Converter &c, float *dst, std::ptrdiff_t period) {
+  const std::int32_t taps = fixedTaps > 0 ? fixedTaps : c.taps;
   const float *samples = c.samples();
   std::ptrdiff_t first = c.first;
   for (std::ptrdiff_t i = 0; i < c.rows; ++i) {
     const float *x = samples + first, *row = rowAt(c);
     if constexpr (periods == 4) {
       float four[4];
-      store4(four, fourOfOneRow(x, period, row, c.taps));
+      store4(four, fourOfOneRow(x, period, row, taps));
       for (std::ptrdiff_t j = 0; j < 4; ++j) store(dst + i + j * c.rows, four[j]);
     } else {
-      const Two two = twoOutputs(x, row, x + period, row, c.taps);
+      const Two two = twoOutputs(x, row, x + period, row, taps);
       store(dst + i, two.first);
       store(dst + i + c.rows, two.second);
     }
@@ -159,14 +160,14 @@ std::int32_t keptInputs(Converter &c, float *dst, std::int32_t room) {
 // state says.
 template <std::int32_t fixedTaps>
 std::int32_t sumsBetweenRows(Converter &c, float *dst, std::int32_t room) {
-  const std::int32_t taps = fixedTaps > 0 ? fixedTaps : c.taps, last = c.perSample - 1;
+  const std::int32_t taps = fixedTaps > 0 ? fixedTaps : c.taps;
   const float *samples = c.samples(), *rows = c.filter();
   const double rowsPerPart = c.rowsPerPart;
   Clock clock = c.clock;
   std::int32_t first = c.first;
   const auto lanes = [&] {
     const double row = static_cast<double>(static_cast<std::int64_t>(clock.rest)) * rowsPerPart;
-    const std::int32_t whole = std::min(static_cast<std::int32_t>(row), last);
+    const auto whole = static_cast<std::int32_t>(row);
     const f32x4 sum = betweenRows(samples + first, rows + std::ptrdiff_t{whole} * taps, taps,
                                   static_cast<float>(row - whole));
     first += clock.advance();
@@ -258,7 +259,8 @@ void setRatio(Converter &c, double ratio) {
   clock.modulus = mantissa;
   clock.wholeStep = c.outputPeriod / mantissa;
   clock.restStep = c.outputPeriod % mantissa;
-  c.rowsPerPart = c.perSample / static_cast<double>(mantissa);
+  // Less by two places, so that rounding does not lead behind the last row.
+  c.rowsPerPart = c.perSample / static_cast<double>(mantissa) * (1 - 0x1p-51);
   c.ratio = ratio;
 }
 
@@ -331,8 +333,12 @@ std::int32_t produceFixed(Converter &c, float *dst, std::int32_t room, bool more
   const std::int64_t rows = c.rows;
   const std::int64_t period =
       static_cast<std::int64_t>(clock.wholeStep) * rows + static_cast<std::int64_t>(clock.restStep);
-  for (; room - made >= 4 * rows && c.windows() > 4 * period; made += 4 * c.rows)
-    wholePeriods<4>(c, dst + made, period);
+  for (; room - made >= 4 * rows && c.windows() > 4 * period; made += 4 * c.rows) {
+    if (c.taps == 20)
+      wholePeriods<4, 20>(c, dst + made, period);
+    else
+      wholePeriods<4>(c, dst + made, period);
+  }
   // With more samples in the buffer the rest of them will be taken four at a time too.
   if (moreToCome && room - made >= 4 * rows && 4 * period <= c.mostHeldBack) return made;
   for (; room - made >= 2 * rows && c.windows() > 2 * period; made += 2 * c.rows)

@@ -15,12 +15,20 @@ using fft::Complex4;
 
 // Transforms up to this length need no working memory.
 constexpr std::int32_t kMostOrder = 12;
-constexpr std::int32_t kLeastOrder = 8;
+constexpr std::int32_t kLeastOrder = 9;
 
 constexpr std::int64_t roundUp64(std::int64_t bytes) { return (bytes + 63) / 64 * 64; }
 
 // Every `branches`-th value, from each of the first on, to an array of its own.
 void separate(const float *src, std::size_t branches, std::size_t len, float *dst) {
+  if (branches == 2) {
+    for (std::size_t q = 0; q < len; q += 4) {
+      const Complex4 pairs = fft::loadInterleaved(src + 2 * q);
+      store4(dst + q, pairs.re);
+      store4(dst + len + q, pairs.im);
+    }
+    return;
+  }
   for (std::size_t first = 0; first < branches; first += 4) {
     const std::size_t columns = std::min<std::size_t>(4, branches - first);
     for (std::size_t q = 0; q < len; q += 4) {
@@ -33,10 +41,12 @@ void separate(const float *src, std::size_t branches, std::size_t len, float *ds
   }
 }
 
-// The sum of the products of `branches` spectra with those of their filters, as the values whose Hartley
-// transform is the sum of the convolutions.
-void multiply(const float *spectra, std::size_t branches, const float *filters, std::size_t len,
+// The sum of the products of `branches` spectra (or as many as the template says) with those of their
+// filters, as the values whose Hartley transform is the sum of the convolutions.
+template <std::size_t fixedBranches>
+void multiply(const float *spectra, std::size_t anyBranches, const float *filters, std::size_t len,
               float *values) {
+  const std::size_t branches = fixedBranches > 0 ? fixedBranches : anyBranches;
   float zero = 0.0F, last = 0.0F;
   for (std::size_t i = 0; i < branches; ++i) {
     zero += spectra[i * len] * filters[8 * i];
@@ -95,7 +105,20 @@ void Grid::makeBlock(float *dst) {
     fft::forward(*transform, branch + i * size, spectra() + i * size, fft::Layout::perm, nullptr);
   const auto places = static_cast<std::size_t>(up), made = static_cast<std::size_t>(steps);
   for (std::size_t r = 0; r < places; ++r) {
-    multiply(spectra(), branches, filters() + r * branches * size, size, values());
+    const float *filter = filters() + r * branches * size;
+    switch (branches) {
+      case 1:
+        multiply<1>(spectra(), branches, filter, size, values());
+        break;
+      case 2:
+        multiply<2>(spectra(), branches, filter, size, values());
+        break;
+      case 3:
+        multiply<3>(spectra(), branches, filter, size, values());
+        break;
+      default:
+        multiply<0>(spectra(), branches, filter, size, values());
+    }
     fft::hartley(*transform, values(), results() + r * size, 1.0F);
   }
   if (places == 1)
