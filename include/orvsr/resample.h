@@ -54,9 +54,9 @@ extern "C" {
  * Streams. A call takes samples from pSrc as long as there is room at pDst for what they give, and reports how many it
  * consumed and produced; the host offers the rest again. Sums come when the half of their window that lies ahead of them
  * has come, H / c samples later; what comes from transforms comes in blocks, when the last window of a block has come.
- * A transform is 512 samples long or the least power of two that is three times a window, of every M-th input or of every
- * one. As blocks give much at a time, inputs of the next one are taken even where there is no room for all outputs of the
- * last one, but not by a call without any room. A call with flags = orvResampleEnd says that the signal ends with its samples. Once
+ * A transform is as long as the least power of two that is five times a window, of every M-th input or of every one, or
+ * from 2048 samples on three times. As blocks give much at a time, inputs of the next one are taken even where there is no
+ * room for all outputs of the last one, but not by a call without any room. A call with flags = orvResampleEnd says that the signal ends with its samples. Once
  * all of them are consumed the end is known, the remaining outputs are produced by that call and, where there was no room
  * for them, by later ones with srcLen = 0, until one leaves room. There are then ceil(N ratio) outputs in all for
  * N inputs (of any ratio: for N ratio as a double). How a signal is cut into calls changes no bit of the output. A state is

@@ -15,7 +15,7 @@ using fft::Complex4;
 
 // Transforms up to this length need no working memory.
 constexpr std::int32_t kMostOrder = 12;
-constexpr std::int32_t kLeastOrder = 9;
+constexpr std::int32_t kLeastOrder = 9, kUsualOrder = 11;
 
 constexpr std::int64_t roundUp64(std::int64_t bytes) { return (bytes + 63) / 64 * 64; }
 
@@ -81,10 +81,13 @@ void interleave(const float *src, std::size_t arrays, std::size_t apart, std::si
 
 }  // namespace
 
+// Long enough that the ends, which are spoilt, do not count for much, but not so long that outputs are long
+// in coming.
 std::int32_t GridShape::order() const {
+  const std::int64_t ends = branchTaps();
   std::int32_t order = kLeastOrder;
-  while (order < kMostOrder && std::int64_t{1} << order < 3 * branchTaps()) ++order;
-  return std::int64_t{1} << order < 2 * branchTaps() ? 0 : order;
+  while (order < kMostOrder && std::int64_t{1} << order < (order < kUsualOrder ? 5 : 3) * ends) ++order;
+  return std::int64_t{1} << order < 2 * ends ? 0 : order;
 }
 
 std::int64_t GridShape::bytes() const {
