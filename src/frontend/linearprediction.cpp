@@ -113,10 +113,15 @@ OrvStatus predictionCov(const float *x, std::int32_t n, float *dst, std::int32_t
   float *l = block.get(), *phi = l + packed, *c = phi + triangle(p), *d = c + p, *y = d + p;
   float *w = scaledRow.get();
 
-  // The last right-hand side has no term when the order is the length.
-  const std::int32_t lags = order < n ? order : n - 1;
-  ownsLagSums_32f(x, n, 1, lags, c);
-  for (std::int32_t k = lags; k < order; ++k) c[k] = 0;
+  // What does not fill a group of four lags is added in order too: no bit of a predictor may depend on where
+  // the frame lies. The last sum has no term when the order is the length.
+  const std::int32_t inFours = (order < n ? order : n - 1) & ~3;
+  ownsLagSums_32f(x, n, 1, inFours, c);
+  for (std::int32_t k = inFours; k < order; ++k) {
+    float sum = 0;
+    for (std::int32_t i = 0; i < n - k - 1; ++i) sum += load(x + i) * load(x + i + k + 1);
+    c[k] = sum;
+  }
   for (std::int32_t r = 0; r < order; ++r) covarianceRow(x, n, r, phi + triangle(r));
 
   d[0] = phi[0];

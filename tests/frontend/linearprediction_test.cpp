@@ -203,11 +203,13 @@ TEST(LinearPrediction, CovarianceKeepsItsOwnFactorisation) {
   Random random(43);
   int apart = 0;
   for (std::size_t order = 1; order <= 12; ++order) {
-    const Guarded<float> x(uniform<float>(random, 120, -1, 1), order % 4);
+    const Guarded<float> x(uniform<float>(random, 120, -1, 1), order % 4), moved(x.values(), order % 4 + 1);
     const Doubles own = covariance(x.values(), order, true), exact = covariance(x.values(), order, false);
-    Guarded<float> a(order, 4);
-    ASSERT_EQ(orvsLinearPrediction_Cov_32f(x.data(), 120, a.data(), static_cast<std::int32_t>(order)),
-              orvStsNoErr);
+    Guarded<float> a(order, 4), again(order, 0);
+    const auto p = static_cast<std::int32_t>(order);
+    ASSERT_EQ(orvsLinearPrediction_Cov_32f(x.data(), 120, a.data(), p), orvStsNoErr);
+    ASSERT_EQ(orvsLinearPrediction_Cov_32f(moved.data(), 120, again.data(), p), orvStsNoErr);
+    EXPECT_EQ(again.values(), a.values()) << order;
     double difference = 0;
     for (std::size_t i = 0; i < order; ++i) {
       EXPECT_NEAR(a.at(i), own[i], 1e-4) << order;
