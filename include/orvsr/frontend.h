@@ -1304,9 +1304,10 @@ ORV_API OrvStatus orvsSchur_16s_Sfs(const int16_t *pSrc, int16_t *pDst, int32_t 
  *     c[k] = sum over i = 0 .. len - k - 2 of x[i] x[i + k + 1]                      k = 0 .. order - 1
  *     phi[r][j] = sum over i = 0 .. len - r - 2 of x[i] x[i + r - j],  j <= r        phi is symmetric
  *
- * (products in single, sums of phi in double) through a factorisation L D L^T in single. Its inner sums run
- * over the first elements of the packed factor; up to order 3 that solves the equations, above it the result
- * is this function's own. Singular equations give infinities or NaNs, and success.
+ * (products and the sums of c in single, the sums of phi in double, each in order of i) through a
+ * factorisation L D L^T in single. Its inner sums run over the first elements of the packed factor; up to
+ * order 3 that solves the equations, above it the result is this function's own. Singular equations give
+ * infinities or NaNs, and success.
  *
  * The 16s forms convert the samples to single and the coefficients back, rounded to nearest (ties to even),
  * scaled by 2^-scaleFactor and saturated. After a failure the Auto forms leave pDst as it was; the Cov form
