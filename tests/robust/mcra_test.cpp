@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "orvsr/robust.h"
@@ -121,6 +122,18 @@ struct Reference {
     ++pos;
     return noise;
   }
+  std::vector<T> arrays() const {
+    std::vector<T> all;
+    for (const auto *array : {&p, &s, &least, &next}) all.insert(all.end(), array->begin(), array->end());
+    return all;
+  }
+};
+
+// What stands at the start of an object.
+template <class T>
+struct Fields {
+  std::int32_t sampleRate, fftLen, halfLenBits, hop, window, pos, first;
+  T alphaD, alphaP, alphaS, delta;
 };
 
 // A tracker in a buffer of exactly the reported size.
@@ -139,6 +152,17 @@ class Tracker {
     const Guarded<T> src(power, offset);
     EXPECT_EQ(Form::update(src.data(), state(), noise_.data()), orvStsNoErr);
     return noise_.values();
+  }
+  Fields<T> fields() const {
+    Fields<T> fields;
+    std::memcpy(&fields, memory_.data(), sizeof fields);
+    return fields;
+  }
+  // Behind a head of 88 bytes: the probabilities, the smoothed powers and both minima.
+  std::vector<T> arrays() const {
+    std::vector<T> all(4 * noise_.values().size());
+    std::memcpy(all.data(), memory_.data() + 88, all.size() * sizeof(T));
+    return all;
   }
 
  private:
@@ -198,7 +222,26 @@ TYPED_TEST(Mcra, FollowsItsDefinitionOverWindowsAndRestarts) {
         ASSERT_EQ(tracker.update(power, 4 * (random() % 4)), reference.update(power))
             << setup.sampleRate << " " << setup.len << " " << setup.hop << " frame " << n;
       }
+      ASSERT_EQ(tracker.arrays(), reference.arrays()) << setup.sampleRate << " " << setup.len;
     }
+  }
+}
+
+TYPED_TEST(Mcra, DerivesItsFieldsFromRateAndStep) {
+  Random random(47);
+  for (int round = 0; round < 400; ++round) {
+    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    const int rate = round % 8 ? 8000 + below(40001) : 44100, len = round % 8 == 1 ? 8 : 8 + below(1000);
+    const Steps setup{rate, len, round % 2 ? 1 + below(len / 2) : 0};
+    Tracker<TypeParam> tracker(setup, static_cast<std::size_t>(round % 9));
+    tracker.start(setup);
+    const TypeParam form(setup);
+    const auto f = tracker.fields();
+    ASSERT_TRUE(f.sampleRate == rate && f.fftLen == len && f.halfLenBits == setup.halfLenBits() &&
+                f.hop == setup.frameStep() && f.pos == 0 && f.first == 1);
+    ASSERT_EQ(f.window, form.window) << rate << " " << len << " " << setup.hop;
+    ASSERT_TRUE(f.alphaD == form.alphaD && f.alphaP == form.alphaP && f.alphaS == form.alphaS);
+    ASSERT_EQ(f.delta, std::is_integral_v<typename TypeParam::T> ? 163840 : 5);
   }
 }
 
@@ -215,6 +258,7 @@ TEST(McraFixed, WrapsAsDefined) {
       if (n % 2) power[static_cast<std::size_t>(n) % 7] = std::numeric_limits<std::int32_t>::max();
       ASSERT_EQ(tracker.update(power, 0), reference.update(power)) << setup.hop << " frame " << n;
     }
+    ASSERT_EQ(tracker.arrays(), reference.arrays()) << setup.hop;
   }
 }
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <string>
 
 #include "orvsr/robust.h"
@@ -34,6 +36,14 @@ class Detector {
     const auto f = fixed ? orvsVADFlush_Aurora_16s : orvsVADFlush_Aurora_32f;
     EXPECT_EQ(f(&result, state()), orvStsNoErr);
     return result;
+  }
+  // What the object holds from byte 8 on: mean energy, the levels of band, energy and variance, the last
+  // band.
+  template <class Level>
+  std::array<Level, 5> levels() const {
+    std::array<Level, 5> all;
+    std::memcpy(all.data(), state_.data() + 8, sizeof all);
+    return all;
   }
   // Frames that no tracker votes for; an x is forced to be active. Gives the results in turn.
   std::string frames(const std::string &votes) {
@@ -116,6 +126,9 @@ struct Reference {
   };
 
   Track meanEnergy = 0, bandTrack = 0, energyTrack = 0, varianceTrack = 0, prevBand = 0;
+  std::array<Track, 5> levels() const {
+    return {meanEnergy, bandTrack, energyTrack, varianceTrack, prevBand};
+  }
   bool frozen = false;
   int count = 0, flushStart = -1, reload = 23, longHang = 0, shortHang = 0;
   std::size_t pos = 0;
@@ -267,6 +280,8 @@ TYPED_TEST(Vad, DecidesWholeUtterancesAsDefined) {
       const int activity = random() % 100 == 0 ? 5 : static_cast<int>(random() % 5);
       const int result = detector.frame(bands, spectrum, activity);
       ASSERT_EQ(result, reference.frame(bands, spectrum, activity)) << utterance << " " << n;
+      ASSERT_EQ(detector.template levels<typename Reference<TypeParam>::Track>(), reference.levels())
+          << utterance << " " << n;
       ++seen[result];
     }
     for (int n = 0; n < 9; ++n) {

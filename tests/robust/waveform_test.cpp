@@ -153,14 +153,16 @@ TEST(BlindEqualization, GoesElementByElement) {
         expectAll(s, [&](std::int32_t i) { return t[static_cast<std::size_t>(i)]; });
       }
     }
-  // The full step is 576 / 65536, and the difference behind it is not saturated: 49151 * 576 >> 16 = 431.
-  const std::int16_t reference = 0;
-  std::int16_t cepstrum = 32767, bias = -16384;
-  ASSERT_EQ(orvsBlindEqualization_Aurora_16s(&reference, &cepstrum, &bias, 1, 275), orvStsNoErr);
-  EXPECT_EQ(cepstrum, 32767);
-  EXPECT_EQ(bias, -16384 + 431);
-  ASSERT_EQ(orvsBlindEqualization_Aurora_16s(&reference, &cepstrum, &bias, 1, INT32_MIN), orvStsNoErr);
-  EXPECT_EQ(bias, -16384 + 431);
+  // The full step is 576 / 65536, and the difference behind it is not saturated: 49151 * 576 >> 16 = 431. The
+  // bias is, at either end.
+  const std::vector<std::int16_t> reference{0, -32768, 32767};
+  std::vector<std::int16_t> cepstrum{32767, 32767, -32768}, bias{-16384, 32767, -32768};
+  for (const std::int32_t energyQ6 : {275, INT32_MIN}) {
+    ASSERT_EQ(orvsBlindEqualization_Aurora_16s(reference.data(), cepstrum.data(), bias.data(), 3, energyQ6),
+              orvStsNoErr);
+    EXPECT_EQ(cepstrum[0], 32767);
+    EXPECT_EQ(bias, (std::vector<std::int16_t>{-16384 + 431, 32767, -32768}));
+  }
 }
 
 TEST(Waveforms, CheckPointersBeforeLengths) {

@@ -114,7 +114,7 @@ TEST(HighBandCoding, RelatesTheBandsByTheirLogarithms) {
         fh({high.begin(), high.end()}, offset);
     Guarded<float> y(3, 4);
     Guarded<std::int32_t> t(3, offset);
-    const int factor = std::vector{-7, 0, -10, -27, 56, 57, -71, -72}[random() % 8];
+    const int factor = std::vector{-7, 0, -10, -27, 56, 57, -71, INT32_MAX}[random() % 8];
     ASSERT_EQ(orvsHighBandCoding_Aurora_32f(fl.data(), fb.data(), fh.data(), y.data()), orvStsNoErr);
     ASSERT_EQ(orvsHighBandCoding_Aurora_32s_Sfs(l.data(), b.data(), h.data(), t.data(), factor), orvStsNoErr);
     const double lowSums[] = {sum(b, 33, 38), sum(b, 39, 48), sum(b, 49, 64)};
@@ -132,7 +132,7 @@ TEST(HighBandCoding, RelatesTheBandsByTheirLogarithms) {
               10;
       }
       ASSERT_TRUE(sameBits(y.at(j), terms[0] + terms[1] + terms[2])) << round;
-      ASSERT_EQ(t.at(j), limited(shifted(q7, factor + 7), INT32_MAX)) << round << ' ' << factor;
+      ASSERT_EQ(t.at(j), limited(shifted(q7, std::int64_t{factor} + 7), INT32_MAX)) << round << ' ' << factor;
     }
   }
 }
@@ -145,6 +145,10 @@ TEST(HighBandCoding, LeavesOutWhatItAlwaysHas) {
   low[1] = high[98] = bins[40] = NAN;  // a NaN has no energy
   ASSERT_EQ(orvsHighBandCoding_Aurora_32f(low.data(), bins.data(), high.data(), dst.data()), orvStsNoErr);
   EXPECT_EQ(dst, (std::vector<float>(3, -10)));
+  low = {4.55e-5F, 4.53e-5F, 0.0F};  // above and below exp(-10)
+  ASSERT_EQ(orvsHighBandCoding_Aurora_32f(low.data(), bins.data(), high.data(), dst.data()), orvStsNoErr);
+  EXPECT_NEAR(dst[0], std::log(4.55e-5F), 1e-5);
+  EXPECT_EQ(dst[1], -10);
   // The six and ten values are added in single, one by one; the sixteen in double. All logarithms but that
   // of the sum are 0.
   std::fill(high.begin(), high.end(), 0.0F);
