@@ -140,8 +140,8 @@ void sweep(const std::vector<Member<T, R>> &members, const FrameFamily<T, R> &fa
   for (const auto &member : members) {
     SCOPED_TRACE(member.name);
     for (std::size_t len = 1; len <= 40; ++len)
-      for (const std::size_t count : {1U, 3U, 4U, 5U, 8U})
-        for (int places = 0; places < 8; ++places)
+      for (const std::size_t count : {1U, 3U, 4U, 5U, 8U, 21U})
+        for (int places = 0; places < 6; ++places)
           for (const Data data : {Data::random, Data::whole}) {
             check(member, family, random, count, len, data, static_cast<std::int32_t>(random() % 48) - 8);
             if (::testing::Test::HasFatalFailure()) return;
