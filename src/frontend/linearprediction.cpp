@@ -113,14 +113,19 @@ OrvStatus predictionCov(const float *x, std::int32_t n, float *dst, std::int32_t
   float *l = block.get(), *phi = l + packed, *c = phi + triangle(p), *d = c + p, *y = d + p;
   float *w = scaledRow.get();
 
-  // What does not fill a group of four lags is added in order too: no bit of a predictor may depend on where
-  // the frame lies. The last sum has no term when the order is the length.
-  const std::int32_t inFours = (order < n ? order : n - 1) & ~3;
-  ownsLagSums_32f(x, n, 1, inFours, c);
-  for (std::int32_t k = inFours; k < order; ++k) {
-    float sum = 0;
-    for (std::int32_t i = 0; i < n - k - 1; ++i) sum += load(x + i) * load(x + i + k + 1);
-    c[k] = sum;
+  // Lags go in whole groups, of which the last may hold too many, so that every sum is added in order: no bit
+  // of a predictor may depend on where the frame lies.
+  std::int32_t done = (order < n ? order : n - 1) & ~3;
+  ownsLagSums_32f(x, n, 1, done, c);
+  if (done < order && done + 4 < n) {
+    float last[4];
+    ownsLagSums_32f(x, n, done + 1, 4, last);
+    for (; done < order; ++done) c[done] = last[done % 4];
+  }
+  // Orders near the length; the last sum has no term when they are equal.
+  for (; done < order; ++done) {
+    c[done] = 0;
+    for (std::int32_t i = 0; i < n - done - 1; ++i) c[done] += load(x + i) * load(x + i + done + 1);
   }
   for (std::int32_t r = 0; r < order; ++r) covarianceRow(x, n, r, phi + triangle(r));
 
