@@ -223,23 +223,101 @@ std::vector<int> candidates(const std::vector<T> &rows, const std::vector<T> &we
   return found;
 }
 
+// Of one element of all rows.
+struct Limits {
+  float low, high, extent;
+
+  template <class T>
+  Limits(const std::vector<T> &rows, std::size_t k, std::size_t width) {
+    float least = FLT_MAX, most = -FLT_MAX;
+    for (; k < rows.size(); k += width) {
+      least = std::min(least, static_cast<float>(rows[k]));
+      most = std::max(most, static_cast<float>(rows[k]));
+    }
+    low = least * (least > 0 ? 0.9F : 1.1F);
+    high = most * (most > 0 ? 1.1F : 0.9F);
+    extent = most - least;
+  }
+  float cell(int cells) const { return extent * 1.1F / static_cast<float>(cells); }
+};
+
+// Columns and rows of the grid; none where there is no field.
+template <class T>
+std::pair<int, int> cellsOfGrid(const std::vector<T> &rows, const std::vector<T> &weights) {
+  const Limits x(rows, 0, 2), y(rows, 1, 2);
+  const auto cost = [&](int columns, int lines) {
+    std::size_t sum = 0;
+    const float w = x.cell(columns), h = y.cell(lines);
+    for (float j = 0; j < static_cast<float>(lines); ++j)
+      for (float i = 0; i < static_cast<float>(columns); ++i)
+        sum += candidates(rows, weights, x.low + i * w, x.low + (i + 1) * w, y.high - (j + 1) * h,
+                          y.high - j * h)
+                   .size();
+    return static_cast<float>(sum) / static_cast<float>(columns * lines);
+  };
+  std::pair cells{4, 4};
+  float least = cost(4, 4);
+  for (;;) {
+    const float taller = cost(cells.first, cells.second + 1), wider = cost(cells.first + 1, cells.second);
+    const float best = less(taller, wider) ? taller : wider;
+    if (least - best <= 0.05F * least) break;
+    least = best;
+    ++(less(taller, wider) ? cells.second : cells.first);
+  }
+  return isAtMost(least, static_cast<float>(rows.size() / 2) / 10) ? cells : std::pair{0, 0};
+}
+
+// The list of a cell of a line: the rows in it, then the nearest one on either side.
+template <class T>
+std::vector<int> listOfLine(const std::vector<T> &rows, const Limits &x, int cells, int j) {
+  std::vector<int> inside;
+  int below = -1, above = -1;
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    const auto at = [&](int row) { return static_cast<float>(rows[static_cast<std::size_t>(row)]) - x.low; };
+    const int row = static_cast<int>(r), c = std::min(static_cast<int>(at(row) / x.cell(cells)), cells - 1);
+    const auto takeNearer = [&](int &nearest, int edge) {
+      const auto d = [&](int i) { return std::abs(at(i) - static_cast<float>(edge) * x.cell(cells)); };
+      if (nearest < 0 || d(row) < d(nearest)) nearest = row;
+    };
+    if (c == j) inside.push_back(row);
+    if (c < j) takeNearer(below, j);
+    if (c > j) takeNearer(above, j + 1);
+  }
+  for (const int row : {below, above})
+    if (row >= 0) inside.push_back(row);
+  return inside;
+}
+
 // Wherever a point lies, the search finds a row as near as any, also for rows far from zero, where the cells
 // do not reach all of them; and every cell of a grid lists its candidates.
 TYPED_TEST(Codebook, FieldsLoseNoNearestRow) {
   using T = TypeParam;
   Random random(4);
   int fields[2] = {0, 0};
-  for (int round = 0; round < 60; ++round) {
-    const int width = 1 + round % 2, height = round < 6 ? 10 : 11 + static_cast<int>(random() % 150);
+  for (int round = 0; round < 48; ++round) {
+    const int width = 1 + round % 2, any = 11 + static_cast<int>(random() % 150),
+              height = round < 6 ? 10 : (round == 17 ? 121 : any);
     const auto n = static_cast<std::size_t>(width);
     const double centre = (static_cast<int>(random() % 5) - 2) * 700;
-    const std::vector<T> rows =
+    std::vector<T> rows =
         uniform<T>(random, n * static_cast<std::size_t>(height), centre - 500, centre + 500);
+    // Equal rows; a square of rows, where a column is worth as much as a line and comes first.
+    if (width == 1 && round % 4 == 0)
+      for (T &x : rows) x = static_cast<T>(static_cast<int>(x) / 50 * 50);
+    if (round == 17) {
+      rows.clear();
+      for (int r = 0; r < height; ++r)
+        rows.insert(rows.end(), {static_cast<T>(r % 11 * 120 - 600), static_cast<T>(r / 11 * 120 - 600)});
+    }
     std::vector<T> weights(n, 1);
     if (round % 3 == 0) weights[n - 1] = 3;
     const Book book = buildBook(rows, weights, height, CDBK_DIRECT);
     EXPECT_EQ(book->flags, (book->pField != nullptr ? 1U : 0U) | (weights[n - 1] == 3 ? 2U : 0U));
     EXPECT_TRUE(height > 10 || book->pField == nullptr);
+    const auto cells = width == 2 && height > 10 ? cellsOfGrid(rows, weights) : std::pair{0, 0};
+    if (width == 2) {
+      EXPECT_EQ(book->pField != nullptr, cells.first > 0);
+    }
     if (book->pField == nullptr) continue;
     ++fields[width - 1];
     for (int i = 0; i < 300; ++i) {
@@ -255,18 +333,28 @@ TYPED_TEST(Codebook, FieldsLoseNoNearestRow) {
           << "round " << round << ": " << point[0] << " of " << centre;
     }
     if (width == 1) {
-      EXPECT_GE(orv::cdbk::lineFieldOf(*book)->cellCount, 10);
+      const orv::cdbk::CdbkLineField &line = *orv::cdbk::lineFieldOf(*book);
+      const Limits x(rows, 0, 1);
+      EXPECT_GE(line.cellCount, 10);
+      EXPECT_TRUE(line.low == x.low && line.high == x.high && line.cellWidth == x.cell(line.cellCount));
+      for (int at = 0; at < line.cellCount + 2; ++at)
+        EXPECT_EQ(std::vector<int>(line.ppLists[at], line.ppLists[at] + line.pCounts[at]),
+                  listOfLine(rows, x, line.cellCount, std::clamp(at - 1, 0, line.cellCount - 1)));
       continue;
     }
     const CdbkGridField &field = *orv::cdbk::gridFieldOf(*book);
+    const Limits x(rows, 0, 2), y(rows, 1, 2);
+    EXPECT_EQ(cells, (std::pair{field.columns, field.rows}));
+    EXPECT_TRUE(field.left == x.low && field.right == x.high && field.cellWidth == x.cell(field.columns));
+    EXPECT_TRUE(field.bottom == y.low && field.top == y.high && field.cellHeight == y.cell(field.rows));
     for (int j = 0; j < field.rows; ++j)
       for (int i = 0; i < field.columns; ++i) {
         const int at = (j + 1) * (field.columns + 2) + i + 1;
-        const auto x = static_cast<float>(i), y = static_cast<float>(j);
+        const auto column = static_cast<float>(i), row = static_cast<float>(j);
         EXPECT_EQ(std::vector<int>(field.ppLists[at], field.ppLists[at] + field.pCounts[at]),
-                  candidates(rows, weights, field.left + x * field.cellWidth,
-                             field.left + (x + 1) * field.cellWidth, field.top - (y + 1) * field.cellHeight,
-                             field.top - y * field.cellHeight));
+                  candidates(rows, weights, field.left + column * field.cellWidth,
+                             field.left + (column + 1) * field.cellWidth,
+                             field.top - (row + 1) * field.cellHeight, field.top - row * field.cellHeight));
       }
   }
   EXPECT_GT(fields[0], 4);

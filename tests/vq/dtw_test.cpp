@@ -145,6 +145,13 @@ TEST(DynamicTimeWarping, RoundsDifferencesAndSquaresToSingle) {
   float result = 0;
   EXPECT_EQ(orvsDTW_L2_32f_D2(a, 2, b, 2, 1, 1, &result, 0, 1e30F), orvStsNoErr);
   EXPECT_EQ(result, 16777216.0F);
+  // With squares in double: 7107.76221 and 8650.94727.
+  const float three[] = {0, 0, 0, 4104, 4099, 4108}, four[] = {0, 0, 0, 0, 4766, 4099, 4190, 4215},
+              zeros[8] = {};
+  EXPECT_EQ(orvsDTW_L2_32f_D2(three, 2, zeros, 2, 3, 3, &result, 0, 1e30F), orvStsNoErr);
+  EXPECT_EQ(result, 7107.76172F);
+  EXPECT_EQ(orvsDTW_L2_32f_D2(four, 2, zeros, 2, 4, 4, &result, 0, 1e30F), orvStsNoErr);
+  EXPECT_EQ(result, 8650.94629F);
 }
 
 // A cost of 0.5 in the first row, and one or two units of 2^-23 less in the second: only the former is within
