@@ -80,7 +80,7 @@ TEST(LpConversions, GoThereAndBack) {
 
 TEST(LpConversions, AddInGroupsThatFollowTheDestination) {
   Random random(54);
-  for (const std::size_t offset : {0, 2, 4, 8, 12})
+  for (const std::size_t offset : {0U, 2U, 4U, 8U, 12U})
     for (const bool toCepstrum : {true, false}) {
       const Guarded<float> src(uniform<float>(random, 40, -1, 1), 4);
       Guarded<float> dst(40, offset);

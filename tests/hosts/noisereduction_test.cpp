@@ -83,7 +83,7 @@ Bands split(const std::vector<float> &samples, unsigned seed) {
 }
 
 TEST(BandSplit, BandsAddUpToTheSignalHoweverItIsCut) {
-  for (const std::size_t len : {0, 1, 2, 159, 160, 5001}) {
+  for (const std::size_t len : {0U, 1U, 2U, 159U, 160U, 5001U}) {
     const std::vector<float> samples = noise(len, 0.0f, 2);
     const Bands bands = split(samples, 1), again = split(samples, 2);
     EXPECT_EQ(bands.low.size(), len / 2);
@@ -153,7 +153,7 @@ std::vector<float> reduce(NoiseReducer &reducer, const std::vector<float> &sampl
 
 TEST(NoiseReducer, GivesTheSameBlocksHoweverTheStreamIsCut) {
   NoiseReducer reducer;
-  for (const std::size_t len : {0, 1, 79, 80, 81, 400, 20011}) {
+  for (const std::size_t len : {0U, 1U, 79U, 80U, 81U, 400U, 20011U}) {
     const std::vector<float> samples = noise(len, 0.7f, 3);
     const std::vector<float> whole = reduce(reducer, samples, 1);
     EXPECT_EQ(whole.size(), (len + 79) / 80 * 80);

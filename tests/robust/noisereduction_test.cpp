@@ -26,8 +26,8 @@ std::int32_t low32(std::int64_t v) { return static_cast<std::int32_t>(v); }
 // Lengths around the blocks, at all alignments of the elements.
 template <class F>
 void forLengths(F f) {
-  for (const std::size_t len : {1, 3, 4, 5, 7, 8, 9, 16, 20, 33})
-    for (const std::size_t offset : {0, 2, 4, 8, 12}) f(len, offset);
+  for (const std::size_t len : {1U, 3U, 4U, 5U, 7U, 8U, 9U, 16U, 20U, 33U})
+    for (const std::size_t offset : {0U, 2U, 4U, 8U, 12U}) f(len, offset);
 }
 
 TEST(SmoothedPowerSpectrum, PairsTheBins) {

@@ -120,7 +120,7 @@ TEST(WaveProcessing, FindsPeaksAtTheEdges) {
 
 TEST(BlindEqualization, GoesElementByElement) {
   Random random(6);
-  for (const std::size_t len : {1, 4, 12, 13, 31})
+  for (const std::size_t len : {1U, 4U, 12U, 13U, 31U})
     for (const float energy : {-5.0F, 3.296875F, 3.5F, 4.0F, 4.296875F, 1e9F}) {
       const auto n = static_cast<std::int32_t>(len);
       const auto a = uniform<float>(random, 3 * len + 2, -9, 9);

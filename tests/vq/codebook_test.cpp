@@ -360,7 +360,7 @@ TYPED_TEST(Codebook, FieldsLoseNoNearestRow) {
   EXPECT_GT(fields[0], 4);
   EXPECT_GT(fields[1], 4);
 
-  for (const std::size_t width : {1, 2})
+  for (const std::size_t width : {1U, 2U})
     EXPECT_EQ(buildBook(std::vector<T>(20 * width, 5), std::vector<T>(width, 1), 20, CDBK_DIRECT)->pField,
               nullptr);
 }

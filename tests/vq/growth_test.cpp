@@ -321,7 +321,8 @@ OrvStatus expectGrowth(const Vectors<T> &rows, const std::vector<T> &weights, in
     EXPECT_EQ(cdbk->maxDepth, deepest);
     EXPECT_EQ(cdbk->sizeBits, std::bit_width(plain.list.size() - 1));
     EXPECT_EQ(cdbk->flags, isWeighted ? 2U : 0U);
-    EXPECT_EQ(cdbk->stride, (n + gap + 16 / sizeof(T) - 1) / (16 / sizeof(T)) * (16 / sizeof(T)));
+    EXPECT_EQ(cdbk->stride,
+              (static_cast<std::size_t>(n + gap) + 16 / sizeof(T) - 1) / (16 / sizeof(T)) * (16 / sizeof(T)));
     EXPECT_EQ(cdbk->pField, nullptr);
     expectNode(cdbk->pRoot, &plain.nodes[0], plain);
   }
