@@ -37,8 +37,10 @@ inline void accurateSums(const typename SegmentPairs<degree>::Row *const (&rows)
   f64x2 u[pairs], h[pairs];
   for (std::size_t p = 0; p < pairs; ++p) u[p] = d[p] - loadAligned2(rows[p]->ends);
   for (std::size_t p = 0; p < pairs; ++p) h[p] = loadAligned2(rows[p]->coefficients[0]);
-  for (int i = 1; i < degree; ++i)
+  for (int i = 1; i < degree; ++i) {
+    forgetRegisters();
     for (std::size_t p = 0; p < pairs; ++p) h[p] = h[p] * u[p] + loadAligned2(rows[p]->coefficients[i]);
+  }
   for (std::size_t p = 0; p < pairs; ++p)
     sums[p] = (m[p] + loadAligned2(rows[p]->coefficients[degree])) + h[p] * u[p];
 }
@@ -54,21 +56,23 @@ constexpr float singleBelow(double d) {
 // In the steps below x is the new value and y the running one, which becomes the sum. max(y, x) is the new
 // one if they are equal or not comparable; the difference has its sign set, so that it is never positive.
 
+template <int fours>
 struct Accurate32f {
-  static constexpr int lanes = 8;
+  static constexpr int lanes = 4 * fours;
 
   void operator()(const float *x, float *y) const {
     using Domain = LogDomain32f;
-    f32x4 floored[2], kept[2];
-    f64x2 m[4], d[4], sums[4];
-    const SegmentPairs<Domain::degree>::Row *rows[4];
-    for (int i = 0; i < 2; ++i) {
+    f32x4 floored[fours], kept[fours], anyKept{};
+    f64x2 m[2 * fours], d[2 * fours], sums[2 * fours];
+    const SegmentPairs<Domain::degree>::Row *rows[2 * fours];
+    for (int i = 0; i < fours; ++i) {
       const f32x4 running = load4(y + 4 * i);
       const f32x4 added = load4(x + 4 * i);
       const f32x4 larger = max(running, added);
       const f32x4 difference = (running - added) | signBits4();
       floored[i] = max(splat4(static_cast<float>(Domain::zero)), larger);
       kept[i] = notLess(difference, splat4(-singleBelow(-Domain::dropBelow)));
+      anyKept = anyKept | kept[i];
       const auto inFirst = static_cast<unsigned>(signs(difference > splat4(singleBelow(Domain::firstEnd))));
       const auto inSecond = static_cast<unsigned>(signs(difference > splat4(singleBelow(Domain::secondEnd))));
       rows[2 * i] = &Domain::pairs().rows[(inFirst & 3U) | (inSecond & 3U) << 2U];
@@ -78,39 +82,42 @@ struct Accurate32f {
       d[2 * i] = widenLow(difference);
       d[2 * i + 1] = widenHigh(difference);
     }
-    if (signs(kept[0] | kept[1]) != 0) {
+    if (signs(anyKept) != 0) {
       accurateSums<Domain::degree>(rows, m, d, sums);
-      for (int i = 0; i < 2; ++i)
+      for (int i = 0; i < fours; ++i)
         floored[i] = select(kept[i], narrow(sums[2 * i], sums[2 * i + 1]), floored[i]);
     }
-    for (int i = 0; i < 2; ++i) store4(y + 4 * i, floored[i]);
+    for (int i = 0; i < fours; ++i) store4(y + 4 * i, floored[i]);
   }
 };
 
+template <int pairs>
 struct Accurate64f {
-  static constexpr int lanes = 12;
+  static constexpr int lanes = 2 * pairs;
 
   void operator()(const double *x, double *y) const {
     using Domain = LogDomain64f;
-    constexpr int pairs = lanes / 2;
     f64x2 m[pairs], d[pairs], sums[pairs];
     const SegmentPairs<Domain::degree>::Row *rows[pairs];
-    int kept = 0;
+    f64x2 anyDropped = splat2(0.0), anyKept = splat2(0.0);
     for (int p = 0; p < pairs; ++p) {
       const f64x2 running = load2(y + 2 * p);
       const f64x2 added = load2(x + 2 * p);
-      m[p] = max(running, added);
+      sums[p] = m[p] = max(running, added);
       d[p] = (running - added) | splat2(-0.0);
       const auto inFirst = static_cast<unsigned>(signs(d[p] > splat2(Domain::firstEnd)));
       const auto inSecond = static_cast<unsigned>(signs(d[p] > splat2(Domain::secondEnd)));
       rows[p] = &Domain::pairs().rows[inFirst | inSecond << 2U];
-      kept |= signs(notLess(d[p], splat2(Domain::dropBelow)));
+      anyDropped = anyDropped | (d[p] < splat2(Domain::dropBelow));
+      anyKept = anyKept | notLess(d[p], splat2(Domain::dropBelow));
     }
-    if (kept != 0) accurateSums<Domain::degree>(rows, m, d, sums);
-    for (int p = 0; p < pairs; ++p) {
-      const f64x2 floored = select(m[p] < splat2(-9e9), splat2(Domain::zero), m[p]);
-      store2(y + 2 * p, kept == 0 ? floored : select(d[p] < splat2(Domain::dropBelow), floored, sums[p]));
-    }
+    if (signs(anyKept) != 0) accurateSums<Domain::degree>(rows, m, d, sums);
+    if (signs(anyDropped) != 0)
+      for (int p = 0; p < pairs; ++p) {
+        const f64x2 floored = select(m[p] < splat2(-9e9), splat2(Domain::zero), m[p]);
+        sums[p] = select(d[p] < splat2(Domain::dropBelow), floored, sums[p]);
+      }
+    for (int p = 0; p < pairs; ++p) store2(y + 2 * p, sums[p]);
   }
 };
 
@@ -145,16 +152,31 @@ struct Fast32f {
   }
 };
 
-// The last elements go through padded copies, so that every element takes the same steps.
+// As many whole steps as there are from element i on, which moves on.
 template <class Step, class T>
-void addArrays(const Step &step, const T *src, T *srcDst, std::int32_t len) {
-  constexpr int lanes = Step::lanes;
+inline void addWhole(const Step &step, const T *src, T *srcDst, std::int32_t len, std::int32_t &i) {
+  for (; len - i >= Step::lanes; i += Step::lanes) step(src + i, srcDst + i);
+}
+
+// Wide steps first, and the last elements one by one.
+template <class Domain, class... Steps, class T>
+void addAccurately(const T *src, T *srcDst, std::int32_t len) {
   std::int32_t i = 0;
-  for (; len - i >= lanes; i += lanes) step(src + i, srcDst + i);
+  (addWhole(Steps(), src, srcDst, len, i), ...);
+  const Domain domain;
+  for (; i < len; ++i)
+    store(srcDst + i, logAddStep<Grouping::constantFirst>(domain, load(srcDst + i), load(src + i)));
+}
+
+// The last elements go through padded copies.
+void addFast(const float *src, float *srcDst, std::int32_t len) {
+  constexpr Fast32f step;
+  std::int32_t i = 0;
+  addWhole(step, src, srcDst, len, i);
   if (i < len) {
-    const auto bytes = static_cast<std::size_t>(len - i) * sizeof(T);
-    T x[lanes] = {};
-    T y[lanes] = {};
+    const auto bytes = static_cast<std::size_t>(len - i) * sizeof(float);
+    float x[Fast32f::lanes] = {};
+    float y[Fast32f::lanes] = {};
     std::memcpy(x, src + i, bytes);
     std::memcpy(y, srcDst + i, bytes);
     step(x, y);
@@ -289,9 +311,9 @@ OrvStatus orvsLogAdd_32f(const float *pSrc, float *pSrcDst, int32_t len, int32_t
   if (const OrvStatus status = checkLogArrays(len, pSrc, pSrcDst); status != orvStsNoErr) return status;
   if (!isKnownHint(hint)) return orvStsNoErr;  // not an error: nothing is written
   if (hint == orvAlgHintFast) {
-    addArrays(Fast32f(), pSrc, pSrcDst, len);
+    addFast(pSrc, pSrcDst, len);
   } else {
-    addArrays(Accurate32f(), pSrc, pSrcDst, len);
+    addAccurately<LogDomain32f, Accurate32f<2>, Accurate32f<1>>(pSrc, pSrcDst, len);
   }
   return orvStsNoErr;
 }
@@ -299,7 +321,7 @@ OrvStatus orvsLogAdd_32f(const float *pSrc, float *pSrcDst, int32_t len, int32_t
 OrvStatus orvsLogAdd_64f(const double *pSrc, double *pSrcDst, int32_t len, int32_t hint) {
   if (const OrvStatus status = checkLogArrays(len, pSrc, pSrcDst); status != orvStsNoErr) return status;
   if (!isKnownHint(hint)) return orvStsNoErr;  // not an error: nothing is written
-  addArrays(Accurate64f(), pSrc, pSrcDst, len);
+  addAccurately<LogDomain64f, Accurate64f<8>, Accurate64f<4>, Accurate64f<2>>(pSrc, pSrcDst, len);
   return orvStsNoErr;
 }
 

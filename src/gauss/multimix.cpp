@@ -308,7 +308,7 @@ OrvStatus orvsLogGaussAddMultiMix_32f_D2(const float *pMean, const float *pVar, 
   const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<StridedRows<const float>> block{{pMean, step}, {pVar, step}, pSrc};
-  scoreRowsSingly<Single, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
+  scoreRowsSingly<Single, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pSrcDst));
   return orvStsNoErr;
 }
@@ -319,7 +319,7 @@ OrvStatus orvsLogGaussAddMultiMix_32f_D2L(const float *const *ppMean, const floa
   const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<RowPointers<const float>> block{{ppMean}, {ppVar}, pSrc};
-  scoreRowsSingly<Single, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
+  scoreRowsSingly<Single, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pSrcDst));
   return orvStsNoErr;
 }
@@ -330,7 +330,7 @@ OrvStatus orvsLogGaussAddMultiMix_64f_D2(const double *pMean, const double *pVar
   const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<StridedRows<const double>> block{{pMean, step}, {pVar, step}, pSrc};
-  scoreRowsSingly<Double, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
+  scoreRowsSingly<Double, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pSrcDst));
   return orvStsNoErr;
 }
@@ -341,7 +341,7 @@ OrvStatus orvsLogGaussAddMultiMix_64f_D2L(const double *const *ppMean, const dou
   const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<RowPointers<const double>> block{{ppMean}, {ppVar}, pSrc};
-  scoreRowsSingly<Double, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
+  scoreRowsSingly<Double, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pSrcDst));
   return orvStsNoErr;
 }
@@ -352,7 +352,7 @@ OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2(const int16_t *pMean, const i
   const OrvStatus status = checkStrideNullSize(featLen, step, count, pMean, pVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
-  scoreRowsSingly<Converted, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
+  scoreRowsSingly<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
@@ -365,7 +365,7 @@ OrvStatus orvsLogGaussAddMultiMix_Scaled_16s32f_D2L(const int16_t *const *ppMean
   const OrvStatus status = checkNullSize(featLen, count, ppMean, ppVar, pSrc, pGConst, pSrcDst);
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
-  scoreRowsSingly<Converted, Weighting::inverseVariance>(0, count, featLen, block, RowConstants{pGConst},
+  scoreRowsSingly<Converted, Weighting::inverseVariance>(count, featLen, block, RowConstants{pGConst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
@@ -379,7 +379,7 @@ OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2(const int16_t *pMean, cons
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<StridedRows<const std::int16_t>> block{{pMean, step}, {pVar, step}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(
-      0, count, featLen, block, RowConstants{pGConst},
+      count, featLen, block, RowConstants{pGConst},
       ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F}, AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
 }
@@ -392,7 +392,7 @@ OrvStatus orvsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppM
   if (status != orvStsNoErr) return status;
   const MultiMixBlock<RowPointers<const std::int16_t>> block{{ppMean}, {ppVar}, pSrc};
   scoreRowsSingly<Converted, Weighting::inverseVariance>(
-      0, count, featLen, block, RowConstants{pGConst},
+      count, featLen, block, RowConstants{pGConst},
       ScaledSum{static_cast<float>(GetScale_32s64f(scaleFactor)) * 0.5F}, AddLog<Converted>(pSrcDst));
   return orvStsNoErr;
 }

@@ -41,14 +41,15 @@ template <class Rows>
 struct FrameBlock {
   using Elem = typename Rows::Elem;
   static constexpr bool twoGroups = true;
+  static constexpr bool oneByWeights = true, oneWeight = true;
   static constexpr bool oneHead = true;  // four rows further the alignment of what decides is the same
   Rows frames;
   const Elem *mean;
   const Elem *weights;
 
   Row<Elem> one(std::int32_t r) const { return {frames.row(r), mean, weights}; }
-  FourRows<Elem> four(std::int32_t r) const {
-    return {{frames.row(r), frames.row(r + 1), frames.row(r + 2), frames.row(r + 3)},
+  FourRows<Elem> four(std::int32_t r, std::int32_t apart = 1) const {
+    return {{frames.row(r), frames.row(r + apart), frames.row(r + 2 * apart), frames.row(r + 3 * apart)},
             {mean, mean, mean, mean},
             {weights, weights, weights, weights}};
   }
@@ -75,6 +76,7 @@ template <class Rows, Deciding withPointers = Deciding::vector>
 struct ComponentBlock {
   using Elem = typename Rows::Elem;
   static constexpr bool oneByWeights = Rows::strided || withPointers != Deciding::vector;
+  static constexpr bool oneWeight = false;
   static constexpr bool fourByWeights = Rows::strided || withPointers == Deciding::weights;
   static constexpr bool twoGroups = Rows::strided && std::is_floating_point_v<Elem>;
   static constexpr bool oneHead = Rows::strided || !fourByWeights;
@@ -83,10 +85,10 @@ struct ComponentBlock {
   const Elem *vector;
 
   Row<Elem> one(std::int32_t r) const { return {means.row(r), vector, weights.row(r)}; }
-  FourRows<Elem> four(std::int32_t r) const {
-    return {{means.row(r), means.row(r + 1), means.row(r + 2), means.row(r + 3)},
+  FourRows<Elem> four(std::int32_t r, std::int32_t apart = 1) const {
+    return {{means.row(r), means.row(r + apart), means.row(r + 2 * apart), means.row(r + 3 * apart)},
             {vector, vector, vector, vector},
-            {weights.row(r), weights.row(r + 1), weights.row(r + 2), weights.row(r + 3)}};
+            {weights.row(r), weights.row(r + apart), weights.row(r + 2 * apart), weights.row(r + 3 * apart)}};
   }
   // With a row step the weights of a group's fourth row end its head at a boundary; means may have the same
   // alignment.

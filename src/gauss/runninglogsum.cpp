@@ -16,7 +16,7 @@ OrvStatus orvsLogGaussAdd_32f_D2(const float *pSrc, int32_t step, const float *p
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pVar};
-  scoreRowsSingly<Single, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
@@ -26,7 +26,7 @@ OrvStatus orvsLogGaussAdd_32f_D2L(const float *const *ppSrc, const float *pMean,
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pVar};
-  scoreRowsSingly<Single, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Single, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
@@ -36,7 +36,7 @@ OrvStatus orvsLogGaussAdd_64f_D2(const double *pSrc, int32_t step, const double 
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pVar};
-  scoreRowsSingly<Double, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
@@ -46,7 +46,7 @@ OrvStatus orvsLogGaussAdd_64f_D2L(const double *const *ppSrc, const double *pMea
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pVar};
-  scoreRowsSingly<Double, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Double, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                       DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
@@ -57,7 +57,7 @@ OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2(const int16_t *pSrc, int32_t step, co
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
-  scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -69,7 +69,7 @@ OrvStatus orvsLogGaussAdd_Scaled_16s32f_D2L(const int16_t *const *ppSrc, const i
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
-  scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -81,7 +81,7 @@ OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2(const int16_t *pSrc, int32_t step,
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pVar};
-  scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -93,7 +93,7 @@ OrvStatus orvsLogGaussAdd_LowScaled_16s32f_D2L(const int16_t *const *ppSrc, cons
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pVar, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pVar};
-  scoreRowsSingly<Converted, Weighting::inverseVariance>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::inverseVariance>(frames, featLen, block, OneConstant{gconst},
                                                          ScaledSum{halvedScale(scaleFactor)},
                                                          AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -104,7 +104,7 @@ OrvStatus orvsLogGaussAdd_IdVar_32f_D2(const float *pSrc, int32_t step, const fl
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const float>> block{{pSrc, step}, pMean, pMean};
-  scoreRowsSingly<Single, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
@@ -114,7 +114,7 @@ OrvStatus orvsLogGaussAdd_IdVar_32f_D2L(const float *const *ppSrc, const float *
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const float>> block{{ppSrc}, pMean, pMean};
-  scoreRowsSingly<Single, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Single, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<float>{}, AddLog<Single>(pResult));
   return orvStsNoErr;
 }
@@ -124,7 +124,7 @@ OrvStatus orvsLogGaussAdd_IdVar_64f_D2(const double *pSrc, int32_t step, const d
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const double>> block{{pSrc, step}, pMean, pMean};
-  scoreRowsSingly<Double, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
@@ -134,7 +134,7 @@ OrvStatus orvsLogGaussAdd_IdVar_64f_D2L(const double *const *ppSrc, const double
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const double>> block{{ppSrc}, pMean, pMean};
-  scoreRowsSingly<Double, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Double, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                            DoubledConstant<double>{}, AddLog<Double>(pResult));
   return orvStsNoErr;
 }
@@ -145,7 +145,7 @@ OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2(const int16_t *pSrc, int32_t ste
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
-  scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -157,7 +157,7 @@ OrvStatus orvsLogGaussAdd_IdVarScaled_16s32f_D2L(const int16_t *const *ppSrc, co
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
-  scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -169,7 +169,7 @@ OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2(const int16_t *pSrc, int32_t 
   const OrvStatus status = checkStrideNullSize(featLen, step, frames, pSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<StridedRows<const std::int16_t>> block{{pSrc, step}, pMean, pMean};
-  scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
   return orvStsNoErr;
@@ -181,7 +181,7 @@ OrvStatus orvsLogGaussAdd_IdVarLowScaled_16s32f_D2L(const int16_t *const *ppSrc,
   const OrvStatus status = checkNullSize(featLen, frames, ppSrc, pMean, pResult);
   if (status != orvStsNoErr) return status;
   const FrameBlock<RowPointers<const std::int16_t>> block{{ppSrc}, pMean, pMean};
-  scoreRowsSingly<Converted, Weighting::none>(0, frames, featLen, block, OneConstant{gconst},
+  scoreRowsSingly<Converted, Weighting::none>(frames, featLen, block, OneConstant{gconst},
                                               ScaledSum{halvedScale(scaleFactor)},
                                               AddLog<Converted>(pResult));
   return orvStsNoErr;

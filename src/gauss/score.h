@@ -15,6 +15,7 @@
 #include "gauss/distance.h"
 #include "gauss/exact.h"
 #include "gauss/rows.h"
+#include "gauss/singlerows.h"
 
 namespace orv::gauss {
 
@@ -113,12 +114,56 @@ inline typename Form::Sum scoreRow(const Row<typename Form::Elem> &row, std::int
   return score.finish(sum, gconst);
 }
 
-// The scores of rows one by one, from row r on.
+// The scores of rows from row r on, one after the other.
 template <class Form, Weighting weighting, class Block, class Constants, class Score, class Sink>
-inline void scoreRowsSingly(std::int32_t r, std::int32_t rows, std::int32_t len, const Block &block,
-                            const Constants &constants, const Score &score, Sink &&sink) {
+inline void scoreRest(std::int32_t r, std::int32_t rows, std::int32_t len, const Block &block,
+                      const Constants &constants, const Score &score, Sink &&sink) {
   for (; r < rows; ++r)
     sink.one(r, scoreRow<Form, weighting>(block.one(r), len, block.decidingOne(r), constants.one(r), score));
+}
+
+// The scores of four rows, each summed as a single one: side by side if they are alike.
+template <class Form, Weighting weighting, class Block, class Constants, class Score>
+[[gnu::always_inline]] inline typename Form::Four scoreFourSingly(std::int32_t r, std::int32_t apart,
+                                                                  std::int32_t len, const Block &block,
+                                                                  const Constants &constants,
+                                                                  const Score &score) {
+  static_assert(Block::oneByWeights);
+  using Fold = typename Score::Fold;
+  const std::int32_t head = Form::peels ? alignedHead(block.decidingOne(r), len) : 0;
+  bool alike = head < Form::Lanes::lanes && len - head >= 8;
+  if constexpr (Form::peels && !Block::oneWeight)
+    for (int i = 1; i < 4; ++i) alike &= alignedHead(block.decidingOne(r + i * apart), len) == head;
+  const auto each = [&](auto value) {
+    return Form::four(value(r), value(r + apart), value(r + 2 * apart), value(r + 3 * apart));
+  };
+  if (!alike) [[unlikely]]
+    return each([&](std::int32_t i) {
+      return scoreRow<Form, weighting>(block.one(i), len, block.decidingOne(i), constants.one(i), score);
+    });
+  const typename Form::Four gconst = each([&](std::int32_t i) { return constants.one(i); });
+  return score.finish(
+      sumFourSingly<Form, weighting, Fold>(block.four(r, apart), len, head, score.start(gconst)), gconst);
+}
+
+// The scores of all rows, each summed as a single one. Rows that are four apart have the same head, whatever
+// their step.
+template <class Form, Weighting weighting, class Block, class Constants, class Score, class Sink>
+[[gnu::always_inline]] inline void scoreRowsSingly(std::int32_t rows, std::int32_t len, const Block &block,
+                                                   const Constants &constants, const Score &score,
+                                                   Sink &&sink) {
+  std::int32_t r = 0;
+  if constexpr (Form::peels && !Block::oneWeight)
+    for (; rows - r >= 16; r += 16) {
+      typename Form::Four scores[4];
+      for (int i = 0; i < 4; ++i)
+        scores[i] = scoreFourSingly<Form, weighting>(r + i, 4, len, block, constants, score);
+      transposeFours(scores);
+      for (int i = 0; i < 4; ++i) sink.four(r + 4 * i, scores[i]);
+    }
+  for (; rows - r >= 4; r += 4)
+    sink.four(r, scoreFourSingly<Form, weighting>(r, 1, len, block, constants, score));
+  scoreRest<Form, weighting>(r, rows, len, block, constants, score, sink);
 }
 
 // The scores of all rows: four at a time, for the count rounded down to a multiple of four, then one by one.
@@ -148,7 +193,7 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
         sumFourRows<Form, weighting, Fold>(block.four(r), len, head, block.aligned(r), score.start(gconst));
     sink.four(r, score.finish(sums, gconst));
   }
-  scoreRowsSingly<Form, weighting>(r, rows, len, block, constants, score, sink);
+  scoreRest<Form, weighting>(r, rows, len, block, constants, score, sink);
 }
 
 // The same for exact integer sums, where groups change nothing but the speed.

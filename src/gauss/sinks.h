@@ -79,13 +79,19 @@ class AddLog {
   AddLog &operator=(const AddLog &) = delete;
   ~AddLog() { addWaiting(); }
 
+  void four(std::int32_t, typename Form::Four scores) {
+    Form::storeFour(waiting_ + count_, scores);
+    count_ += 4;
+    if (count_ == kRoom) addWaiting();
+  }
   void one(std::int32_t, Sum score) {
-    waiting_[count_++] = score;
+    store(waiting_ + count_, score);
+    ++count_;
     if (count_ == kRoom) addWaiting();
   }
 
  private:
-  static constexpr int kRoom = 96;
+  static constexpr int kRoom = 96;  // fours come before ones, and fit
 
   void addWaiting() {
     if (count_ == 0) return;
