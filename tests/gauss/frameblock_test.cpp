@@ -40,14 +40,7 @@ std::vector<FrameMember<T, R>> members() {
 
 template <class Types>
 class FrameBlockTest : public ::testing::Test {};
-template <class T, class R>
-struct Types {
-  using Elem = T;
-  using Result = R;
-};
-using All = ::testing::Types<Types<float, float>, Types<double, double>, Types<std::int16_t, std::int32_t>,
-                             Types<std::int16_t, float>>;
-TYPED_TEST_SUITE(FrameBlockTest, All);
+TYPED_TEST_SUITE(FrameBlockTest, ScoreTypes);
 
 TYPED_TEST(FrameBlockTest, SumsInGroupsAtEveryLengthAndAlignment) {
   using T = typename TypeParam::Elem;

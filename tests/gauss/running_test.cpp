@@ -62,14 +62,7 @@ std::vector<FrameMember<T, R>> addMembers() {
 
 template <class Types>
 class RunningTest : public ::testing::Test {};
-template <class T, class R>
-struct Types {
-  using Elem = T;
-  using Result = R;
-};
-using All = ::testing::Types<Types<float, float>, Types<double, double>, Types<std::int16_t, std::int32_t>,
-                             Types<std::int16_t, float>>;
-TYPED_TEST_SUITE(RunningTest, All);
+TYPED_TEST_SUITE(RunningTest, ScoreTypes);
 
 TYPED_TEST(RunningTest, KeepsTheMaximum) {
   using T = typename TypeParam::Elem;
@@ -128,6 +121,11 @@ void checkNaN(F max) {
   EXPECT_TRUE(std::isnan(best[2]));
   EXPECT_EQ(best[3], -3);
   EXPECT_EQ(best[4], 2);
+  // Nor is a zero greater than a negative one.
+  const R zeros[5] = {};
+  R negative[5] = {-R{0}, -R{0}, -R{0}, -R{0}, -R{0}};
+  ASSERT_EQ(max(zeros, 1, &mean, 1, negative, 5, R{0}), orvStsNoErr);
+  for (const R value : negative) EXPECT_TRUE(std::signbit(value));
 }
 
 TEST(RunningMaximum, NoNumberIsGreater) {

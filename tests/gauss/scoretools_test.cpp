@@ -61,11 +61,22 @@ TEST(NthMaxElement, EndsOnNaNsToo) {
   }
 }
 
+// Zeros of either sign are equal: the first of them is the pivot, and all ranks are its own.
+TEST(NthMaxElement, TakesTheFirstPivotForAllThatEqualIt) {
+  const float zeros[4] = {-0.0F, 0.0F, 0.0F, -0.0F};
+  for (std::int32_t n = 0; n < 4; ++n)
+    for (std::int32_t first = 0; first < 2; ++first) {
+      float result = 1;
+      ASSERT_EQ(orvsNthMaxElement_32f(zeros + first, 4 - first, n % (4 - first), &result), orvStsNoErr);
+      EXPECT_TRUE(sameBits(result, zeros[first]));
+    }
+}
+
 TEST(AddNRows, AddsFromTheValueThroughTheRowsInOrder) {
   Random random(10);
   for (std::size_t len = 1; len <= 40; ++len)
     for (std::size_t count = 1; count <= 4; ++count) {
-      const std::size_t offset = random() % 5, height = 3, step = offset + len + random() % 2;
+      const std::size_t offset = random() % 5, height = 1 + random() % 3, step = offset + len + random() % 2;
       const std::vector<float> matrix = uniform<float>(random, (height - 1) * step + offset + len, -3, 3);
       std::vector<std::int32_t> index(count);
       std::vector<std::uint16_t> add = anyIntegers<std::uint16_t>(random, count);
@@ -79,19 +90,21 @@ TEST(AddNRows, AddsFromTheValueThroughTheRowsInOrder) {
       const Guarded<std::int32_t> numbers(index, 1);
       const Guarded<std::uint16_t> numbersAdd(add, 1);
       Guarded<float> dst(len, (3 * len) % 16);
-      const auto call = [&](std::int32_t n, const std::int32_t *first) {
-        return orvsAddNRows_32f_D2(src.data(), n, static_cast<std::int32_t>(offset),
-                                   static_cast<std::int32_t>(step), first, numbersAdd.data(),
-                                   static_cast<std::int32_t>(count), dst.data(), dst.len(), 0.1F);
+      const auto call = [&](std::size_t rows, std::size_t rowStep, const std::int32_t *first) {
+        return orvsAddNRows_32f_D2(src.data(), static_cast<std::int32_t>(rows),
+                                   static_cast<std::int32_t>(offset), static_cast<std::int32_t>(rowStep),
+                                   first, numbersAdd.data(), static_cast<std::int32_t>(count), dst.data(),
+                                   dst.len(), 0.1F);
       };
       std::vector<std::int32_t> wrong = index;
-      for (const std::int32_t bad : {-1 - add[count - 1], 3 - add[count - 1], INT32_MIN}) {
-        wrong[count - 1] = bad;
-        ASSERT_EQ(call(3, wrong.data()), orvStsSizeErr);
+      for (const std::int32_t bad : {-1, static_cast<std::int32_t>(height), INT32_MIN + 65535}) {
+        wrong[count - 1] = bad - add[count - 1];
+        ASSERT_EQ(call(height, step, wrong.data()), orvStsSizeErr);
       }
-      ASSERT_EQ(call(2, numbers.data()), orvStsSizeErr);  // the first row is the last of three
+      ASSERT_EQ(call(height, offset + len - 1, numbers.data()), orvStsStrideErr);
+      ASSERT_EQ(call(height - 1, step, numbers.data()), orvStsSizeErr);  // the first row is the last of all
       ASSERT_TRUE(dst.untouched());
-      ASSERT_EQ(call(3, numbers.data()), orvStsNoErr);
+      ASSERT_EQ(call(height, step, numbers.data()), orvStsNoErr);
       for (std::size_t c = 0; c < len; ++c)
         ASSERT_TRUE(sameBits(dst.at(c), expected[c])) << c << " of " << len;
     }

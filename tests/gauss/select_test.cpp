@@ -166,7 +166,7 @@ void checkOrder() {
   };
   const T row[4] = {};
   const T *const complete[2] = {row, row};
-  const T *const broken[2] = {row, nullptr};
+  const T *const broken[2][2] = {{nullptr, row}, {row, nullptr}};
   const float constants[2] = {};
   const std::uint8_t list[2] = {0xFF, 0xFF};
   for (const auto &member : members<T>()) {
@@ -180,13 +180,13 @@ void checkOrder() {
     order.push_back({rows, member.layout == Layout::strided ? orvStsStrideErr : orvStsNullPtrErr});
     order.push_back({memory, orvStsMemAllocErr});
     Guarded<float> results(2);
-    for (unsigned which = 0; which < (member.weighted ? 3U : 2U); ++which)
+    for (unsigned which = 0; which < (member.weighted ? 6U : 4U); ++which)
       expectOrderOfChecks(order, [&](unsigned faults) {
         Allocations allocations;
         allocations.failAt(0);
         const auto given = [faults](unsigned bit, auto *p) { return (faults & bit) != 0 ? nullptr : p; };
         const auto matrix = [&](unsigned bit, unsigned place) {
-          return given(bit, (faults & rows) != 0 && place == which ? broken : complete);
+          return given(bit, (faults & rows) != 0 && place == which / 2 ? broken[which % 2] : complete);
         };
         const auto size = [faults](unsigned bit, std::int32_t good) {
           return (faults & bit) != 0 ? 0 : good;

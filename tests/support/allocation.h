@@ -19,7 +19,7 @@ class Allocations {
 
   // The call with this number (0 is the next) returns null; -1 lets all succeed.
   void failAt(int call);
-  // Blocks start at this alignment and no better one (16, 32 or 64; 64 at first).
+  // Blocks start at this alignment and no better one (8, 16, 32 or 64; 64 at first).
   void alignTo(std::size_t bytes);
 
   int calls() const;                      // of orvMalloc, failed ones included
