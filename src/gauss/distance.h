@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "gauss/forms.h"
 
@@ -37,39 +38,67 @@ struct Subtract {
   }
 };
 
-// The operands of one row and of four. Where rows share an operand, its pointer stands in each place; w is
-// not looked at without weighting.
+// The operands of one row, and of four or eight. Where rows share an operand, its pointer stands in each
+// place; w is not looked at without weighting.
 template <class T>
 struct Row {
   const T *a, *b, *w;
 };
-template <class T>
-struct FourRows {
-  const T *a[4], *b[4], *w[4];
+template <class T, int count>
+struct RowsOf {
+  static constexpr int groups = count / 4;
+  const T *a[count], *b[count], *w[count];
 };
+template <class T>
+using FourRows = RowsOf<T, 4>;
 
-// The same for rows that follow one another at one step in both matrices and share b: what is kept is a row,
-// and distances from it. Eight rows would need sixteen pointers, for which there are no registers.
+// An operand of rows that follow one another at one step: what is kept is a pointer, and the distances of the
+// other rows from it. There are no registers for the pointers of all rows. This one is made opaque, or the
+// compiler would form and keep them, most of them in memory.
 template <class T>
 struct RowsApart {
   const T *first;
   const std::ptrdiff_t *apart;
   const T *operator[](int r) const { return first + apart[r]; }
+  void advance(std::ptrdiff_t elements) { first = simd::opaque(first + elements); }
 };
 template <class T>
 struct SharedRow {
   const T *row;
   const T *operator[](int) const { return row; }
-};
-template <class T>
-struct FourRowsApart {
-  RowsApart<T> a;
-  SharedRow<T> b;
-  RowsApart<T> w;
+  void advance(std::ptrdiff_t elements) { row += elements; }
 };
 
-// Which rows, and their weights, stand on 16-byte boundaries from the end of a head on.
-enum class Aligned { none, fourthRow, allRows };
+// Eight such rows, which share b, and may share w. They are too many streams for the processor to fetch ahead
+// by itself: the vectors at an element ask for as much of the eight rows that follow as they read themselves.
+template <class T, class W>
+struct EightRowsApart {
+  static constexpr int groups = 2;
+  RowsApart<T> a;
+  SharedRow<T> b;
+  W w;
+  void advance(std::ptrdiff_t elements) {
+    a.advance(elements);
+    b.advance(elements);
+    w.advance(elements);
+  }
+  [[gnu::always_inline]] void prefetchNext(std::ptrdiff_t element, Weighting weighting) const {
+    constexpr std::uintptr_t line = 64, ahead = 4 * line;  // bytes
+    const std::uintptr_t eightRows = 2 * static_cast<std::uintptr_t>(a.apart[4]);
+    const std::uintptr_t i = (eightRows + 8 * static_cast<std::uintptr_t>(element)) * sizeof(T) + ahead;
+    simd::prefetch(addressOf(a.first) + i);
+    simd::prefetch(addressOf(a.first) + i + line);
+    if constexpr (std::is_same_v<W, RowsApart<T>>)
+      if (weighting != Weighting::none) {
+        simd::prefetch(addressOf(w.first) + i);
+        simd::prefetch(addressOf(w.first) + i + line);
+      }
+  }
+};
+
+// Which rows, and their weights, stand on 16-byte boundaries from the end of a head on: those as many rows
+// apart as a vector has elements, of which the fourth is one, or all.
+enum class Aligned { none, someRows, allRows };
 
 // The term of one element, of a vector of neighbouring elements, and of the same element of four rows.
 template <class Form, Weighting weighting, class T>
@@ -144,26 +173,34 @@ inline typename Form::Sum sumRow(const Row<T> &row, std::int32_t len, std::int32
 // Which elements of a row are folded outside its vectors: fewer than a vector before them, or after them.
 enum class Part { head, rest };
 
-// The terms of the vectors at element j of four rows, taken side by side: their steps wait for one another
-// less.
-template <class Form, Weighting weighting, class Rows>
+// The terms of the vectors at element j of four rows, of which k is the first, taken side by side: their
+// steps wait for one another less.
+template <class Form, Weighting weighting, Aligned aligned = Aligned::none, class Rows>
 [[gnu::always_inline]] inline void termsOfRows(const Rows &rows, std::ptrdiff_t j,
-                                               typename Form::Lanes (&t)[4]) {
-  for (int r = 0; r < 4; ++r) t[r] = Form::differences(rows.a[r] + j, rows.b[r] + j);
+                                               typename Form::Lanes (&t)[4], int k = 0) {
+  using AlignedForm = typename Form::Aligned;
+  constexpr int lanes = Form::Lanes::lanes;
+  constexpr auto stands = [](int r) {
+    return aligned == Aligned::allRows || (aligned == Aligned::someRows && r % lanes == lanes - 1);
+  };
+  for (int r = 0; r < 4; ++r)
+    t[r] = stands(r) ? AlignedForm::differences(rows.a[k + r] + j, rows.b[k + r] + j)
+                     : Form::differences(rows.a[k + r] + j, rows.b[k + r] + j);
   for (int r = 0; r < 4; ++r) t[r] = t[r] * t[r];
   if constexpr (weighting != Weighting::none)
-    for (int r = 0; r < 4; ++r) t[r] = t[r] * Form::weights(rows.w[r] + j);
+    for (int r = 0; r < 4; ++r)
+      t[r] = t[r] * (stands(r) ? AlignedForm::weights(rows.w[k + r] + j) : Form::weights(rows.w[k + r] + j));
 }
 
-// Folds count terms of each row into the sums, one by one: the first of the row, or its last. They are taken
-// out of a whole vector of terms, which lies within the row.
+// Folds count terms of each of four rows into the sums, one by one: the first of the row, or its last. They
+// are taken out of a whole vector of terms, which lies within the row.
 template <class Form, Weighting weighting, class Fold, Part part, class Rows>
 [[gnu::always_inline]] inline typename Form::Four foldPart(const Rows &rows, std::int32_t len, int count,
-                                                           typename Form::Four sums) {
+                                                           typename Form::Four sums, int k = 0) {
   constexpr int lanes = Form::Lanes::lanes;
   const std::ptrdiff_t j = part == Part::head ? 0 : len - lanes;
   typename Form::Lanes t[4];
-  termsOfRows<Form, weighting>(rows, j, t);
+  termsOfRows<Form, weighting>(rows, j, t, k);
   typename Form::Four columns[lanes];
   Form::transpose(t, columns);
   for (int c = 1; c < lanes; ++c) {
@@ -173,92 +210,59 @@ template <class Form, Weighting weighting, class Fold, Part part, class Rows>
   return sums;
 }
 
-// The vectors from element from up to element to.
-template <class Form, Weighting weighting, class Fold, class T, std::size_t groups>
-[[gnu::always_inline]] inline void foldVectors(const FourRows<T> (&rows)[groups], std::ptrdiff_t from,
-                                               std::ptrdiff_t to, typename Form::Lanes (&acc)[groups][4]) {
+// The vectors at element j of all rows.
+template <class Form, Weighting weighting, class Fold, Aligned aligned, class Rows>
+[[gnu::always_inline]] inline void foldVectorsAt(const Rows &rows, std::ptrdiff_t j,
+                                                 typename Form::Lanes (&acc)[Rows::groups][4]) {
+  for (int g = 0; g < Rows::groups; ++g) {
+    typename Form::Lanes t[4];
+    termsOfRows<Form, weighting, aligned>(rows, j, t, 4 * g);
+    for (int r = 0; r < 4; ++r) acc[g][r] = Fold::fold(acc[g][r], t[r]);
+  }
+}
+
+// Those from element from up to element to.
+template <class Form, Weighting weighting, class Fold, Aligned aligned, class T, int count>
+[[gnu::always_inline]] inline void foldVectors(const RowsOf<T, count> &rows, std::ptrdiff_t from,
+                                               std::ptrdiff_t to, typename Form::Lanes (&acc)[count / 4][4]) {
   for (std::ptrdiff_t j = from; j < to; j += Form::Lanes::lanes)
-    for (std::size_t g = 0; g < groups; ++g) {
-      typename Form::Lanes t[4];
-      termsOfRows<Form, weighting>(rows[g], j, t);
-      for (int r = 0; r < 4; ++r) acc[g][r] = Fold::fold(acc[g][r], t[r]);
-    }
+    foldVectorsAt<Form, weighting, Fold, aligned>(rows, j, acc);
 }
-
-// The same of eight rows a step apart, of which FourthForm is the form of the fourth and the eighth. The
-// pointers are made opaque, or the compiler would keep the address of each row, most of them in memory. The
-// rows are sixteen streams, which are too many for the processor to fetch them ahead: each turn asks for as
-// much of the rows that follow as it reads itself.
-template <class Form, class FourthForm, Weighting weighting, class Fold, class T>
-[[gnu::always_inline]] inline void foldVectorsApart(const FourRowsApart<T> (&rows)[2], std::ptrdiff_t from,
-                                                    std::ptrdiff_t to, typename Form::Lanes (&acc)[2][4]) {
-  constexpr std::uintptr_t line = 64, ahead = 4 * line, turn = 8 * 16;  // bytes
-  const std::ptrdiff_t *const apart = rows[0].a.apart;
-  const T *a = rows[0].a.first + from, *w = rows[0].w.first + from;
-  const std::uintptr_t eightRows = 2 * static_cast<std::uintptr_t>(apart[4]) * sizeof(T);
-  std::uintptr_t nextA = addressOf(rows[0].a.first) + eightRows + ahead;
-  std::uintptr_t nextW = addressOf(rows[0].w.first) + eightRows + ahead;
+template <class Form, Weighting weighting, class Fold, Aligned aligned, class T, class W>
+[[gnu::always_inline]] inline void foldVectors(const EightRowsApart<T, W> &rows, std::ptrdiff_t from,
+                                               std::ptrdiff_t to, typename Form::Lanes (&acc)[2][4]) {
+  EightRowsApart<T, W> rest = rows;
+  rest.advance(from);
   for (std::ptrdiff_t j = from; j < to; j += Form::Lanes::lanes) {
-    const T *const b = rows[0].b.row + j;
-    for (std::uintptr_t i = 0; i < turn; i += line) {
-      simd::prefetch(nextA + i);
-      if (weighting != Weighting::none) simd::prefetch(nextW + i);
-    }
-    nextA += turn;
-    nextW += turn;
-    a = simd::opaque(a);
-    w = simd::opaque(w);
-    for (int r = 0; r < 8; ++r) {
-      const auto t = r % 4 == 3 ? terms<FourthForm, weighting>(a + apart[r], b, w + apart[r])
-                                : terms<Form, weighting>(a + apart[r], b, w + apart[r]);
-      acc[r / 4][r % 4] = Fold::fold(acc[r / 4][r % 4], t);
-    }
-    a += Form::Lanes::lanes;
-    w += Form::Lanes::lanes;
-  }
-}
-
-// Either, in the form for what is aligned.
-template <class Form, Weighting weighting, class Fold, class T, std::size_t groups>
-[[gnu::always_inline]] inline void foldVectors(const FourRows<T> (&rows)[groups], std::ptrdiff_t from,
-                                               std::ptrdiff_t to, Aligned aligned,
-                                               typename Form::Lanes (&acc)[groups][4]) {
-  if (Form::alignable && aligned == Aligned::allRows) {
-    foldVectors<typename Form::Aligned, weighting, Fold>(rows, from, to, acc);
-  } else {
-    foldVectors<Form, weighting, Fold>(rows, from, to, acc);
-  }
-}
-template <class Form, Weighting weighting, class Fold, class T>
-[[gnu::always_inline]] inline void foldVectors(const FourRowsApart<T> (&rows)[2], std::ptrdiff_t from,
-                                               std::ptrdiff_t to, Aligned aligned,
-                                               typename Form::Lanes (&acc)[2][4]) {
-  using AlignedForm = typename Form::Aligned;
-  if (Form::alignable && aligned == Aligned::allRows) {
-    foldVectorsApart<AlignedForm, AlignedForm, weighting, Fold>(rows, from, to, acc);
-  } else if (Form::alignable && aligned == Aligned::fourthRow) {
-    foldVectorsApart<Form, AlignedForm, weighting, Fold>(rows, from, to, acc);
-  } else {
-    foldVectorsApart<Form, Form, weighting, Fold>(rows, from, to, acc);
+    rows.prefetchNext(j, weighting);
+    foldVectorsAt<Form, weighting, Fold, aligned>(rest, 0, acc);
+    rest.advance(Form::Lanes::lanes);
   }
 }
 
 // Groups of four rows that have the same head and at least one vector; sums are the starts, and then the
 // results. Two groups together hide more of the time that loads take. They do not change the sums.
-template <class Form, Weighting weighting, class Fold, class Rows, std::size_t groups>
-[[gnu::always_inline]] inline void sumGroups(const Rows (&rows)[groups], std::int32_t len, std::int32_t head,
-                                             Aligned aligned, typename Form::Four (&sums)[groups]) {
+template <class Form, Weighting weighting, class Fold, class Rows>
+[[gnu::always_inline]] inline void sumGroups(const Rows &rows, std::int32_t len, std::int32_t head,
+                                             Aligned aligned, typename Form::Four (&sums)[Rows::groups]) {
   constexpr int lanes = Form::Lanes::lanes;
-  typename Form::Lanes acc[groups][4];
-  for (std::size_t g = 0; g < groups; ++g) {
-    if (head > 0) sums[g] = foldPart<Form, weighting, Fold, Part::head>(rows[g], len, head, sums[g]);
+  typename Form::Lanes acc[Rows::groups][4];
+  for (int g = 0; g < Rows::groups; ++g) {
+    if (head > 0) sums[g] = foldPart<Form, weighting, Fold, Part::head>(rows, len, head, sums[g], 4 * g);
     Form::firstLanes(sums[g], acc[g]);
   }
   const int rest = (len - head) % lanes;
-  foldVectors<Form, weighting, Fold>(rows, head, len - rest, aligned, acc);
-  for (std::size_t g = 0; g < groups; ++g) {
+  const std::int32_t to = len - rest;
+  if (Form::alignable && aligned == Aligned::allRows) {
+    foldVectors<Form, weighting, Fold, Aligned::allRows>(rows, head, to, acc);
+  } else if (Form::alignable && Rows::groups == 2 && aligned == Aligned::someRows) {
+    foldVectors<Form, weighting, Fold, Aligned::someRows>(rows, head, to, acc);
+  } else {
+    foldVectors<Form, weighting, Fold, Aligned::none>(rows, head, to, acc);
+  }
+  for (int g = 0; g < Rows::groups; ++g) {
     sums[g] = sumLanesOfFour(acc[g][0], acc[g][1], acc[g][2], acc[g][3]);
-    if (rest > 0) sums[g] = foldPart<Form, weighting, Fold, Part::rest>(rows[g], len, rest, sums[g]);
+    if (rest > 0) sums[g] = foldPart<Form, weighting, Fold, Part::rest>(rows, len, rest, sums[g], 4 * g);
   }
 }
 
@@ -267,9 +271,8 @@ template <class Form, Weighting weighting, class Fold, class T>
                                                               std::int32_t head, Aligned aligned,
                                                               typename Form::Four start) {
   if (len - head >= Form::Lanes::lanes) {
-    const FourRows<T> groups[1] = {rows};
     typename Form::Four sums[1] = {start};
-    sumGroups<Form, weighting, Fold>(groups, len, head, aligned, sums);
+    sumGroups<Form, weighting, Fold>(rows, len, head, aligned, sums);
     return sums[0];
   }
   for (std::int32_t j = 0; j < len; ++j) start = Fold::fold(start, termOfFour<Form, weighting>(rows, j));

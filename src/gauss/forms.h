@@ -33,7 +33,7 @@ struct Single {
   static Four loadFour(const Sum *p) { return simd::load4(p); }
   static void storeFour(Sum *p, Four v) { simd::store4(p, v); }
   static void firstLanes(Four v, Lanes (&first)[4]) { simd::firstLanes4(v, first); }
-  static void transpose(const Lanes (&rows)[4], Four (&columns)[4]) {
+  [[gnu::always_inline]] static void transpose(const Lanes (&rows)[4], Four (&columns)[4]) {
     for (int r = 0; r < 4; ++r) columns[r] = rows[r];
     simd::transpose(columns);
   }
@@ -53,8 +53,8 @@ struct Double {
   using Lanes = simd::f64x2;
   using Four = simd::f64x4;
   static constexpr bool peels = true;
-  using Aligned = Double;
-  static constexpr bool alignable = false;
+  using Aligned = struct DoubleAligned;
+  static constexpr bool alignable = true;
 
   static Sum value(const Elem *p) { return load(p); }
   static Lanes values(const Elem *p) { return simd::load2(p); }
@@ -70,7 +70,14 @@ struct Double {
     simd::store2(p + 2, v.high);
   }
   static void firstLanes(Four v, Lanes (&first)[4]) { simd::firstLanes2(v, first); }
-  static void transpose(const Lanes (&rows)[4], Four (&columns)[2]) { simd::transpose(rows, columns); }
+  [[gnu::always_inline]] static void transpose(const Lanes (&rows)[4], Four (&columns)[2]) {
+    simd::transpose(rows, columns);
+  }
+};
+
+struct DoubleAligned : Double {
+  static Lanes differences(const Elem *a, const Elem *b) { return values(b) - simd::loadAligned2(a); }
+  static Lanes weights(const Elem *p) { return simd::loadAligned2(p); }
 };
 
 // 16-bit integers, converted exactly; then single precision. The difference of two of them is exact in either
@@ -91,6 +98,8 @@ struct Converted : Single {
 struct Widened : Double {
   using Elem = float;
   static constexpr bool peels = false;
+  using Aligned = Widened;
+  static constexpr bool alignable = false;
 
   static Sum value(const Elem *p) { return static_cast<Sum>(load(p)); }
   static Lanes values(const Elem *p) { return simd::loadWidened2(p); }

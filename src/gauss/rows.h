@@ -29,10 +29,19 @@ inline bool alignedWith(const RowPointers<const T> &rows, std::int32_t r, const 
   return apart % 16 == 0;
 }
 
-template <class Rows>
-struct TwoGroups {
-  Rows groups[2];
-  Aligned aligned;
+// Distances from a row to the seven that follow it, which the compiler is to keep and not to form again.
+class EightApart {
+ public:
+  explicit EightApart(std::ptrdiff_t step) {
+    for (int r = 1; r < 8; ++r) apart_[r] = simd::opaque(r * step);
+  }
+  template <class T>
+  RowsApart<T> from(const T *row) const {
+    return {simd::opaque(row), apart_};
+  }
+
+ private:
+  std::ptrdiff_t apart_[8] = {};
 };
 
 // Many frames against one Gaussian: the rows are frames, mean and weights are shared. Without weighting,
@@ -56,13 +65,24 @@ struct FrameBlock {
   Aligned aligned(std::int32_t r) const {
     return alignedWith(frames, r, weights) ? Aligned::allRows : Aligned::none;
   }
-  struct EightRows {
-    const FrameBlock &block;
-    TwoGroups<FourRows<Elem>> from(std::int32_t r) const {
-      return {{block.four(r), block.four(r + 4)}, std::min(block.aligned(r), block.aligned(r + 4))};
+  Aligned alignedEight(std::int32_t r) const { return std::min(aligned(r), aligned(r + 4)); }
+  auto eightRows() const {
+    if constexpr (Rows::strided) {
+      return [this, apart = EightApart(frames.step)](std::int32_t r) {
+        return EightRowsApart<Elem, SharedRow<Elem>>{apart.from(frames.row(r)), {mean}, {weights}};
+      };
+    } else {
+      return [this](std::int32_t r) {
+        RowsOf<Elem, 8> rows;
+        for (int i = 0; i < 8; ++i) {
+          rows.a[i] = frames.row(r + i);
+          rows.b[i] = mean;
+          rows.w[i] = weights;
+        }
+        return rows;
+      };
     }
-  };
-  EightRows eightRows() const { return {*this}; }
+  }
   const Elem *decidingOne(std::int32_t) const { return weights; }
   const Elem *decidingFour(std::int32_t r) const { return Rows::strided ? frames.row(r + 3) : weights; }
 };
@@ -94,28 +114,18 @@ struct ComponentBlock {
   // alignment.
   Aligned aligned(std::int32_t r) const {
     if (alignedWith(means, r, vector) && alignedWith(weights, r, vector)) return Aligned::allRows;
-    const bool alike = (addressOf(means.row(r)) ^ addressOf(weights.row(r))) % 16 == 0;
-    return Rows::strided && alike ? Aligned::fourthRow : Aligned::none;
+    if constexpr (Rows::strided)
+      if ((addressOf(means.base) ^ addressOf(weights.base)) % 16 == 0) return Aligned::someRows;
+    return Aligned::none;
   }
+  Aligned alignedEight(std::int32_t r) const { return aligned(r); }
   // Means and weights have the same step.
-  class EightRows {
-   public:
-    explicit EightRows(const ComponentBlock &block) : block_(block) {
-      for (int r = 1; r < 8; ++r) apart_[r] = simd::opaque(r * std::ptrdiff_t{block.means.step});
-    }
-    TwoGroups<FourRowsApart<Elem>> from(std::int32_t r) const {
-      return {{four(r, 0), four(r, 4)}, block_.aligned(r)};
-    }
-
-   private:
-    FourRowsApart<Elem> four(std::int32_t r, int first) const {
-      return {
-          {block_.means.row(r), apart_ + first}, {block_.vector}, {block_.weights.row(r), apart_ + first}};
-    }
-    const ComponentBlock &block_;
-    std::ptrdiff_t apart_[8] = {};
-  };
-  EightRows eightRows() const { return EightRows(*this); }
+  auto eightRows() const {
+    return [this, apart = EightApart(means.step)](std::int32_t r) {
+      return EightRowsApart<Elem, RowsApart<Elem>>{
+          apart.from(means.row(r)), {vector}, apart.from(weights.row(r))};
+    };
+  }
   const Elem *decidingOne(std::int32_t r) const { return oneByWeights ? weights.row(r) : vector; }
   const Elem *decidingFour(std::int32_t r) const { return fourByWeights ? weights.row(r + 3) : vector; }
 };

@@ -1,12 +1,9 @@
 // From sums to scores, and the walk over the rows. A family is put together from
 //
 //   a block      which rows meet which vector                          rows.h
-//   a weighting  none, or inverse variances                            distance.h
 //   a form       the number types of elements and sums                 forms.h, exact.h
 //   a score      where the 1/2, the gconst and the scale enter         here
 //   a sink       what becomes of a score                               sinks.h
-//
-// Variances to divide by, and block-diagonal covariances, weigh single vectors only: single.cpp.
 
 #ifndef ORV_GAUSS_SCORE_H
 #define ORV_GAUSS_SCORE_H
@@ -179,12 +176,11 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
   std::int32_t head = Form::peels && rows >= 4 ? alignedHead(block.decidingFour(0), len) : 0;
   std::int32_t r = 0;
   if constexpr (Block::twoGroups) {
-    if (len - head >= Form::Lanes::lanes)
+    if (rows >= 8 && len - head >= Form::Lanes::lanes)
       for (const auto eight = block.eightRows(); rows - r >= 8; r += 8) {
         const Four gconst[2] = {constants.template four<Form>(r), constants.template four<Form>(r + 4)};
         Four sums[2] = {score.start(gconst[0]), score.start(gconst[1])};
-        const auto [groups, aligned] = eight.from(r);
-        sumGroups<Form, weighting, Fold>(groups, len, head, aligned, sums);
+        sumGroups<Form, weighting, Fold>(eight(r), len, head, block.alignedEight(r), sums);
         sink.four(r, score.finish(sums[0], gconst[0]));
         sink.four(r + 4, score.finish(sums[1], gconst[1]));
       }
