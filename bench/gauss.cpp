@@ -2,9 +2,11 @@
 
 #include "orvsr/gauss.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #include "bench/data.h"
 #include "bench/ratio.h"
@@ -154,6 +156,95 @@ void addMixtures() {
       .peer("plain scalar", 2.0, components(5.0, plainMixture<false>));
 }
 
+// --- ranks, row sums, sign tables, language model scores
+
+struct Values {
+  Array<float> src = uniform<float>(std::size_t{1024} * 39, -50.0, 0.0, 5);
+  Array<float> dst = Array<float>(1024);
+  Array<std::int16_t> integers = uniform<std::int16_t>(1024, -3000.0, 0.0, 6);
+  Array<std::int32_t> scaled = Array<std::int32_t>(1024);
+  Array<std::int32_t> rows = uniform<std::int32_t>(32, 0.0, 1023.0, 7);
+  Array<std::uint16_t> noOffset = Array<std::uint16_t>(32);
+  std::size_t place = 0;
+  const float *next64() { return &src[place = (place + 64) % src.size()]; }
+};
+
+// Tables of 256 rows of 1024 bits, of which one in 32 is set.
+struct SignTable {
+  static constexpr std::int32_t height = 256, bits = 1024, perRow = 4, count = 64;
+  Array<std::uint8_t> table = uniform<std::uint8_t>(height * bits / 8, 0.0, 4.0, 8);
+  Array<std::uint8_t> lists = uniform<std::uint8_t>(count * perRow, 0.0, 255.0, 9);
+  Array<std::uint8_t> unions = Array<std::uint8_t>(count * bits / 8);
+  Array<const std::uint8_t *> rows;
+  SignTable() {
+    for (std::size_t r = 0; r < height; ++r) rows.push_back(&table[r * bits / 8]);
+  }
+};
+
+template <class Data, class Work>
+auto on(Work work) {
+  return [work] { return [work, in = Data()]() mutable { work(in); }; };
+}
+
+[[gnu::noinline]] void plainAddNRows(Values &in) {
+  for (std::size_t c = 0; c < 39; ++c) {
+    float sum = 0;
+    for (const std::int32_t r : in.rows) sum += in.src[static_cast<std::size_t>(r) * 39 + c];
+    in.dst[c] = sum;
+  }
+}
+[[gnu::noinline]] void plainScaleLM(Values &in) {
+  for (std::size_t i = 0; i < 1024; ++i) in.dst[i] = std::max(in.src[i], -40.0F) * 12.5F + 3.0F;
+}
+[[gnu::noinline]] void plainScaleLMInteger(Values &in) {
+  for (std::size_t i = 0; i < 1024; ++i)
+    in.scaled[i] = std::max<std::int16_t>(in.integers[i], -2500) * 125 + 30000;
+}
+[[gnu::noinline]] void plainSignTable(SignTable &in) {
+  std::fill(in.unions.begin(), in.unions.end(), std::uint8_t{0});
+  for (std::size_t r = 0; r < in.count; ++r)
+    for (std::size_t b = 0; b < in.bits; ++b)
+      for (std::size_t i = 0; i < in.perRow; ++i) {
+        const std::uint8_t *const row = in.rows[in.lists[r * in.perRow + i]];
+        if ((row[b / 8] & 128 >> b % 8) == 0) continue;
+        std::uint8_t &out = in.unions[r * in.bits / 8 + b / 8];
+        out = static_cast<std::uint8_t>(out | 128 >> b % 8);
+      }
+}
+
+void addTools() {
+  // Other values each time, or a processor knows the order by heart.
+  Case("gauss/NthMaxElement_32f/8 of 64")
+      .ours(on<Values>([](Values &in) { orvsNthMaxElement_32f(in.next64(), 64, 7, in.dst.data()); }))
+      .peer("std::nth_element", 0.0, on<Values>([](Values &in) {
+              const float *const src = in.next64();
+              Array<float> copy(src, src + 64);
+              std::nth_element(copy.begin(), copy.begin() + 7, copy.end(), std::greater<>());
+              in.dst[0] = copy[7];
+            }));
+  Case("gauss/AddNRows_32f_D2/39x32")
+      .ours(on<Values>([](Values &in) {
+        orvsAddNRows_32f_D2(in.src.data(), 1024, 0, 39, in.rows.data(), in.noOffset.data(), 32, in.dst.data(),
+                            39, 0.0F);
+      }))
+      .peer("plain scalar", 0.0, on<Values>(plainAddNRows));
+  Case("gauss/BuildSignTable_8u1u/64x1024")
+      .ours(on<SignTable>([](SignTable &in) {
+        orvsBuildSignTable_8u1u(in.lists.data(), in.perRow, in.rows.data(), in.height, in.bits / 8, 0,
+                                in.unions.data(), in.count, in.bits);
+      }))
+      .peer("plain scalar", 0.0, on<SignTable>(plainSignTable));
+  Case("gauss/ScaleLM_32f/1024")
+      .ours(on<Values>(
+          [](Values &in) { orvsScaleLM_32f(in.src.data(), in.dst.data(), 1024, -40.0F, 12.5F, 3.0F); }))
+      .peer("plain scalar", 0.0, on<Values>(plainScaleLM));
+  Case("gauss/ScaleLM_16s32s/1024")
+      .ours(on<Values>([](Values &in) {
+        orvsScaleLM_16s32s(in.integers.data(), in.scaled.data(), 1024, -2500, 125, 30000);
+      }))
+      .peer("plain scalar", 0.0, on<Values>(plainScaleLMInteger));
+}
+
 }  // namespace
 
 void addGaussFrameCases();
@@ -164,6 +255,7 @@ void addMatrixFormCases();
 void addGaussCases() {
   addFrameBlocks();
   addMixtures();
+  addTools();
   addGaussFrameCases();
   addGaussComponentCases();
   addGaussSingleCases();

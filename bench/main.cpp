@@ -23,10 +23,11 @@ void printResampleQuality();
 }  // namespace orv::bench
 
 int main(int argc, char **argv) {
-  // Contenders take turns in random order, so that whatever else the machine does falls on all of them.
-  char repetitions[] = "--benchmark_repetitions=15";
+  // Contenders take turns in random order, so that whatever else the machine does falls on all of them: many
+  // short turns, each of which meets the machine in another state.
+  char repetitions[] = "--benchmark_repetitions=45";
   char interleaving[] = "--benchmark_enable_random_interleaving=true";
-  char time[] = "--benchmark_min_time=0.03";
+  char time[] = "--benchmark_min_time=0.01";
   std::vector<char *> arguments{argv[0], repetitions, interleaving, time};
   arguments.insert(arguments.end(), argv + 1, argv + argc);
   int count = static_cast<int>(arguments.size());

@@ -27,6 +27,16 @@ std::string readable(double seconds) {
   return text;
 }
 
+// The ends of a row: the ratio of least times, and the target, where there is one.
+std::string leastAndTarget(double least, double ratio, double target) {
+  char text[48];
+  if (target > 0.0)
+    std::snprintf(text, sizeof text, " %8.2f %8.2f  %s", least, target, ratio >= target ? "ok" : "short");
+  else
+    std::snprintf(text, sizeof text, " %8.2f", least);
+  return text;
+}
+
 }  // namespace
 
 std::vector<Peer> &Case::peers() {
@@ -42,10 +52,24 @@ void RatioTable::ReportRuns(const std::vector<Run> &runs) {
   }
 }
 
-std::optional<double> RatioTable::time(const std::string &contender) const {
+const std::vector<double> &RatioTable::times(const std::string &contender) const {
+  static const std::vector<double> none;
   const auto times = times_.find(contender);
-  if (times == times_.end()) return std::nullopt;
-  return median(times->second);
+  return times == times_.end() ? none : times->second;
+}
+
+std::optional<RatioTable::Result> RatioTable::result(const Peer &peer) const {
+  const std::vector<double> &ours = times(peer.caseName + "/ours");
+  const std::vector<double> theirs =
+      peer.known ? std::vector<double>{*peer.known} : times(peer.caseName + "/" + peer.name);
+  if (ours.empty() || theirs.empty()) return std::nullopt;
+  std::vector<double> ratios;
+  for (const double their : theirs)
+    for (const double our : ours) ratios.push_back(their / our);
+  const auto least = [](const std::vector<double> &values) {
+    return *std::min_element(values.begin(), values.end());
+  };
+  return Result{median(ours), median(theirs), median(ratios), least(theirs) / least(ours)};
 }
 
 void RatioTable::Finalize() {
@@ -58,25 +82,21 @@ void RatioTable::writeCases() const {
   for (const Peer &peer : Case::peers())
     if (peer.cell.empty()) width = std::max(width, peer.caseName.size());
   const int column = static_cast<int>(width);
-  std::printf("%-*s  %-17s %10s %10s %9s %8s\n", column, "case", "peer", "ours", "peer", "ratio", "target");
+  std::printf("%-*s  %-17s %10s %10s %9s %8s %8s\n", column, "case", "peer", "ours", "peer", "ratio", "least",
+              "target");
   for (const Peer &peer : Case::peers()) {
-    const auto ours = time(peer.caseName + "/ours");
-    if (!ours || !peer.cell.empty()) continue;
+    if (!peer.cell.empty() || times(peer.caseName + "/ours").empty()) continue;
     std::printf("%-*s  %-17s ", column, peer.caseName.c_str(), peer.name.c_str());
-    const auto theirs = peer.known ? peer.known : time(peer.caseName + "/" + peer.name);
-    if (!theirs) {
+    if (const auto all = result(peer))
+      std::printf("%10s %10s %9.2f%s\n", readable(all->ours).c_str(), readable(all->theirs).c_str(),
+                  all->ratio, leastAndTarget(all->least, all->ratio, peer.target).c_str());
+    else
       std::printf("%10s\n", peer.installed ? "not run" : "not installed");
-      continue;
-    }
-    const double ratio = *theirs / *ours;
-    std::printf("%10s %10s %9.2f", readable(*ours).c_str(), readable(*theirs).c_str(), ratio);
-    if (peer.target > 0.0) std::printf(" %8.2f  %s", peer.target, ratio >= peer.target ? "ok" : "short");
-    std::printf("\n");
   }
 }
 
-// Ratios only. The target is that of one of the cells, which is marked. Rows that have no cell in common
-// stand in different tables.
+// Ratios only. The target, and the ratio of least times, are those of one of the cells, which is marked. Rows
+// that have no cell in common stand in different tables.
 void RatioTable::writeCells() const {
   struct Table {
     std::vector<std::string> cells;
@@ -86,7 +106,7 @@ void RatioTable::writeCells() const {
   const auto sameRow = [](const Peer *a, const Peer *b) { return a->row == b->row && a->name == b->name; };
   std::vector<Table> tables;
   for (const Peer &peer : Case::peers()) {
-    if (peer.cell.empty() || !time(peer.caseName + "/" + peer.name)) continue;
+    if (peer.cell.empty() || !result(peer)) continue;
     const auto isRow = [&](const Peer *other) { return sameRow(other, &peer); };
     const auto has = [&](const Table &t) {
       return std::find(t.cells.begin(), t.cells.end(), peer.cell) != t.cells.end() ||
@@ -105,29 +125,23 @@ void RatioTable::writeCells() const {
     const int column = static_cast<int>(table.width);
     std::printf("\n%-*s  %-17s", column, "ratio by size", "peer");
     for (const std::string &cell : table.cells) std::printf(" %8s", cell.c_str());
-    std::printf("   target\n");
+    std::printf("    least   target\n");
     for (const Peer *row : table.rows) {
       std::printf("%-*s  %-17s", column, row->row.c_str(), row->name.c_str());
-      std::string verdict;
+      std::string end;
       for (const std::string &cell : table.cells) {
         const auto peer = std::find_if(Case::peers().begin(), Case::peers().end(),
                                        [&](const Peer &p) { return sameRow(&p, row) && p.cell == cell; });
-        const auto ours = time(row->row + "/" + cell + "/ours");
-        const auto theirs = time(row->row + "/" + cell + "/" + row->name);
-        if (!ours || !theirs || peer == Case::peers().end()) {
+        const auto all = peer == Case::peers().end() ? std::nullopt : result(*peer);
+        if (!all) {
           std::printf(" %8s", "");
           continue;
         }
-        const double ratio = *theirs / *ours;
-        std::printf(" %7.2f%s", ratio, peer->target > 0.0 ? "*" : " ");
-        if (peer->target > 0.0) {
-          char text[32];
-          std::snprintf(text, sizeof text, " %8.2f  %s", peer->target,
-                        ratio >= peer->target ? "ok" : "short");
-          verdict = text;
-        }
+        const bool aimed = peer->target > 0.0;
+        std::printf(" %7.2f%s", all->ratio, aimed ? "*" : " ");
+        if (aimed) end = leastAndTarget(all->least, all->ratio, peer->target);
       }
-      std::printf("%s\n", verdict.c_str());
+      std::printf("%s\n", end.c_str());
     }
   }
 }

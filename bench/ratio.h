@@ -5,14 +5,15 @@
 //         .peer("plain scalar", 4.0, [] { return [in = Frames(39)]() mutable { logGauss(...); }; });
 //
 // Each contender is given as a function that prepares its data and returns the work of one iteration. After
-// the run a table shows for each peer the ratio of its time to ours, and whether it reaches the target.
+// the run a table shows for each peer the ratio of its time to ours, and whether it reaches the target; and
+// the ratio of the least times, which is that of a machine with nothing else to do.
 //
 // A case of many sizes is a row of a second table, with a cell for each size:
 //
 //     for (const Size size : sizes)
 //       Case("gauss/MahDist_32f_D2", size.text()).ours(...).peer("plain scalar", size.aim(4.0), ...);
 //
-// There are hundreds of cells. They are measured more briefly.
+// There are hundreds of cells. Those without a target are measured more briefly.
 
 #ifndef ORV_BENCH_RATIO_H
 #define ORV_BENCH_RATIO_H
@@ -39,6 +40,12 @@ class Case {
  public:
   explicit Case(const std::string &name) : name_(name), row_(name) {}
   Case(const std::string &row, const std::string &cell) : name_(row + "/" + cell), row_(row), cell_(cell) {}
+  Case(const Case &) = delete;
+  Case &operator=(const Case &) = delete;
+  ~Case() {
+    if (cell_.empty() || aimed_) return;
+    for (auto *const contender : contenders_) contender->Repetitions(7)->MinTime(0.002);
+  }
 
   template <class Prepare>
   Case &ours(Prepare prepare) {
@@ -47,6 +54,7 @@ class Case {
   template <class Prepare>
   Case &peer(const std::string &name, double target, Prepare prepare) {
     peers().push_back({name_, row_, cell_, name, target, true, std::nullopt});
+    aimed_ = aimed_ || target > 0.0;
     return contender(name, prepare);
   }
   // A peer whose time is known: the duration of the signal that is worked on, say.
@@ -77,13 +85,15 @@ class Case {
             benchmark::ClobberMemory();
           }
         });
-    if (!cell_.empty()) registered->Repetitions(7)->MinTime(0.002);
+    contenders_.push_back(registered);
     if (repetitions_ > 0) registered->Repetitions(repetitions_);
     return *this;
   }
 
   std::string name_, row_, cell_;
+  std::vector<benchmark::internal::Benchmark *> contenders_;
   int repetitions_ = 0;
+  bool aimed_ = false;
 };
 
 // Collects the processor time of every repetition; writes the tables of medians and ratios when all are done.
@@ -96,8 +106,16 @@ class RatioTable : public benchmark::BenchmarkReporter {
  private:
   void writeCases() const;
   void writeCells() const;
-  // The median time of a contender, where it has run.
-  std::optional<double> time(const std::string &contender) const;
+  // Of a contender; none where it has not run.
+  const std::vector<double> &times(const std::string &contender) const;
+
+  // Median times, the ratio of theirs to ours, and that of the least times. The ratio is the median of those
+  // of each of their repetitions to each of ours: of several that were tried it moves least from run to run
+  // without being that of the best moments.
+  struct Result {
+    double ours, theirs, ratio, least;
+  };
+  std::optional<Result> result(const Peer &peer) const;
 
   // Seconds of one iteration, for each repetition of each contender.
   std::map<std::string, std::vector<double>> times_;

@@ -78,7 +78,7 @@ void addSvdCases() {
   };
   for (const auto &[n, gslTarget] : {Aim{39, 1.2}, Aim{128, 3.0}, Aim{384, 5.0}}) {
     Case svd("matrix/SVD_64f_D2/" + std::to_string(n));
-    if (n > 128) svd.repetitions(3);
+    if (n > 128) svd.repetitions(9);
     svd.ours(decomposed(n, [](Decomposed &in) { in.ours(); }));
 #if ORV_BENCH_GSL
     svd.peer("GSL", gslTarget, decomposed(n, [](Decomposed &in) { in.byGsl(); }));

@@ -78,7 +78,7 @@ template <class T>
 
 void addScans() {
   Case single("vq/VQ_32f/1024x39");
-  single
+  single.repetitions(15)
       .ours(search<float>([](Search<float> &in) {
         orvsVQ_32f(in.x.data(), in.width, in.index.data(), in.height, in.book.get());
       }))
@@ -106,6 +106,7 @@ void addScans() {
   single.absentPeer("faiss IndexFlatL2");
 #endif
   Case("vq/VQ_16s/1024x39")
+      .repetitions(15)
       .ours(search<std::int16_t>([](Search<std::int16_t> &in) {
         orvsVQ_16s(in.x.data(), in.width, in.index.data(), in.height, in.book.get());
       }))

@@ -113,16 +113,18 @@ void addPeers(Case &ours) {
 
 void addVqTrainingCases() {
   Case spread("vq/CdbkInitAlloc_L2_32f/256 of 20000x13, by spread");
-  spread.ours(training<float, orvsCdbkInitAlloc_L2_32f, orvsGetCodebook_32f, orvsCdbkFree_32f>(
-      "32f, by spread", CDBK_SPLIT_SPREAD));
+  spread.repetitions(15).ours(
+      training<float, orvsCdbkInitAlloc_L2_32f, orvsGetCodebook_32f, orvsCdbkFree_32f>("32f, by spread",
+                                                                                       CDBK_SPLIT_SPREAD));
   addPeers(spread);
   Case count("vq/CdbkInitAlloc_L2_32f/256 of 20000x13, by count");
-  count.ours(training<float, orvsCdbkInitAlloc_L2_32f, orvsGetCodebook_32f, orvsCdbkFree_32f>(
+  count.repetitions(15).ours(training<float, orvsCdbkInitAlloc_L2_32f, orvsGetCodebook_32f, orvsCdbkFree_32f>(
       "32f, by count", CDBK_SPLIT_COUNT));
   addPeers(count);
   Case integers("vq/CdbkInitAlloc_L2_16s/256 of 20000x13, by count");
-  integers.ours(training<std::int16_t, orvsCdbkInitAlloc_L2_16s, orvsGetCodebook_16s, orvsCdbkFree_16s>(
-      "16s, by count", CDBK_SPLIT_COUNT));
+  integers.repetitions(15).ours(
+      training<std::int16_t, orvsCdbkInitAlloc_L2_16s, orvsGetCodebook_16s, orvsCdbkFree_16s>(
+          "16s, by count", CDBK_SPLIT_COUNT));
   addPeers(integers);
 }
 
