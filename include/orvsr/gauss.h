@@ -31,8 +31,8 @@ extern "C" {
  * - gconst: additive constant of the Gaussian: the log of its mixture weight less half of the constant that
  *   orvsUpdateGConst_32f() computes.
  * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in the
- *   Sfs forms and before it in the Scaled forms. The count of a shift is taken modulo 64; a power of two is
- *   infinite from 2^128 on, and zero below 2^-149.
+ *   Sfs forms and before it in the Scaled forms, which is meant. The count of a shift is taken modulo 64; a
+ *   power of two is infinite from 2^128 on, and zero below 2^-149.
  *
  * Half of the sum is subtracted from gconst at the very end, so these scores may differ in their last bits
  * from those of @ref loggauss, whose constant enters the sum. The 32f and 64f sums are grouped by the
@@ -276,8 +276,8 @@ ORV_API OrvStatus orvsLogGaussSingle_BlockDVarScaled_16s32f(const int16_t *pSrc,
  * - gconst: additive constant of the Gaussian: the log of its mixture weight less half of the constant that
  *   orvsUpdateGConst_32f() computes.
  * - scaleFactor: of the 16s forms, any value: 2^-scaleFactor scales the sum. It stands behind gconst in the
- *   Sfs forms and before it in the Scaled forms. The count of a shift is taken modulo 64; a power of two is
- *   infinite from 2^128 on, and zero below 2^-149.
+ *   Sfs forms and before it in the Scaled forms, which is meant. The count of a shift is taken modulo 64; a
+ *   power of two is infinite from 2^128 on, and zero below 2^-149.
  *
  * The 32f and 64f forms double gconst, subtract the terms from it and halve the result, all in their own
  * type. Frames are taken in groups of four, then one by one; the grouping of a sum depends on the alignment

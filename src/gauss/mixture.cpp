@@ -1,7 +1,9 @@
 // orvsLogGaussMixture_*: one vector under a mixture of Gaussians.
 //
 // The orders of checks are not uniform and are meant to differ: the 32f and 64f members with a row step test
-// pointers before the stride, the Scaled and LowScaled ones the stride before pointers.
+// pointers before the stride, the Scaled and LowScaled ones the stride before pointers. LowScaled members
+// halve every sum, IdVarLowScaled ones their factor once: at the end of its range they differ, and are meant
+// to.
 
 #include "gauss/score.h"
 #include "gauss/sinks.h"

@@ -301,6 +301,9 @@ OrvStatus orvsLogGaussMaxMultiMix_LowScaled_16s32f_D2L(const int16_t *const *ppM
 }
 
 // --- running log-sums, one row after the other
+//
+// Unlike in orvsLogGaussAdd_* the LowScaled members have a factor of their own, half of a scale that is
+// narrowed from double precision. This is meant.
 
 OrvStatus orvsLogGaussAddMultiMix_32f_D2(const float *pMean, const float *pVar, int32_t step,
                                          const float *pSrc, int32_t featLen, const float *pGConst,
