@@ -8,6 +8,7 @@
 #ifndef ORV_GAUSS_SCORE_H
 #define ORV_GAUSS_SCORE_H
 
+#include <algorithm>
 #include <cstdint>
 
 #include "core/integer.h"
@@ -195,16 +196,50 @@ template <class Form, Weighting weighting, class Block, class Constants, class S
   scoreRest<Form, weighting>(r, rows, len, block, constants, score, sink);
 }
 
-// The same for exact integer sums, where groups change nothing but the speed.
+// The scores of exact integer sums: of pairs of rows, from row r on, while their differences are small.
+// Returns the first row that is left.
+template <Weighting weighting, class Block, class Constants, class Score, class Sink>
+inline std::int32_t scorePairsNarrowly(std::int32_t r, std::int32_t rows, std::int32_t len,
+                                       const Block &block, const Constants &constants, const Score &score,
+                                       Sink &&sink) {
+  const std::int16_t bound = narrowBound(vectorsIn(len));
+  const __m128i lastMask = lastOfEight(len);
+  for (; rows - r >= 2; r += 2) {
+    const Row<std::int16_t> pair[2] = {block.one(r), block.one(r + 1)};
+    const auto sums = exactSums<NarrowSums<weighting, 2>>(pair, len, lastMask);
+    if (!sums.below(bound)) break;
+    sink.one(r, score(sums.total(0), constants.one(r)));
+    sink.one(r + 1, score(sums.total(1), constants.one(r + 1)));
+  }
+  return r;
+}
+
+// The scores of all pairs of rows of eight elements or more, whatever the data. Out of line, where it takes
+// no registers from the loop above.
+template <Weighting weighting, class Block, class Constants, class Score, class Sink>
+[[gnu::noinline]] void scorePairsWidely(std::int32_t r, std::int32_t rows, std::int32_t len,
+                                        const Block &block, const Constants &constants, const Score &score,
+                                        Sink &&sink) {
+  for (; rows - r >= 2; r += 2) {
+    const Row<std::int16_t> pair[2] = {block.one(r), block.one(r + 1)};
+    const auto sums = exactSums<WideSums<weighting, 2>>(pair, len, lastOfEight(len));
+    sink.one(r, score(sums.total(0), constants.one(r)));
+    sink.one(r + 1, score(sums.total(1), constants.one(r + 1)));
+  }
+}
+
+// All rows. Where differences are large they mostly stay so, and a few rows are spared the attempt.
 template <Weighting weighting, class Block, class Constants, class Score, class Sink>
 inline void scoreRowsExactly(std::int32_t rows, std::int32_t len, const Block &block,
                              const Constants &constants, const Score &score, Sink &&sink) {
+  constexpr std::int32_t spared = 16;
   std::int32_t r = 0;
   if (len >= 8)
-    for (; rows - r >= 4; r += 4) {
-      std::int64_t sums[4];
-      exactSumFourRows<weighting>(block.four(r), len, sums);
-      for (int i = 0; i < 4; ++i) sink.one(r + i, score(sums[i], constants.one(r + i)));
+    while (rows - r >= 2) {
+      r = scorePairsNarrowly<weighting>(r, rows, len, block, constants, score, sink);
+      const std::int32_t end = r + std::min(spared, (rows - r) / 2 * 2);
+      scorePairsWidely<weighting>(r, end, len, block, constants, score, sink);
+      r = end;
     }
   for (; r < rows; ++r) sink.one(r, score(exactSumRow<weighting>(block.one(r), len), constants.one(r)));
 }

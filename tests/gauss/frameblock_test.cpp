@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "gauss/frames.h"
 
 namespace orv::test {
@@ -70,21 +73,52 @@ TEST(FrameBlock, ScoreAtTheMeanIsTheConstantUntilItsDoubleOverflows) {
   }
 }
 
-// Four rows of the largest terms: the sums of 64 bits are not cut to 53 or fewer on the way.
-TEST(FrameBlock, IntegerSumsAreExact) {
-  const std::vector<std::int16_t> frames(4099, INT16_MIN);
-  std::vector<std::int16_t> mean(4099, INT16_MAX);
-  std::vector<std::int16_t> var(4099, INT16_MAX);
-  mean.back() = INT16_MIN + 1;
-  var.back() = 2;
-  std::int32_t score = 0;
-  const std::int64_t sum = 4098 * (std::int64_t{65535} * 65535 * 32767) + 2;
-  for (const std::int32_t scaleFactor : {-1, 0, 28}) {
-    ASSERT_EQ(orvsLogGauss_Low_16s32s_D2Sfs(frames.data(), 4099, mean.data(), var.data(), 4099, &score, 1, 5,
-                                            scaleFactor),
-              orvStsNoErr);
-    EXPECT_EQ(score, static_cast<std::int32_t>(5 - (sum >> (scaleFactor + 1))));
+// Differences and weights that make the greatest sums and parts of sums, at the magnitudes round which one
+// way to a sum gives way to another, in all frames or in one of them. Between them, two shifts show all 64
+// bits.
+void checkGreatestSums(std::size_t len, int difference, std::size_t one,
+                       const std::vector<std::int16_t> &var) {
+  const std::vector<std::int16_t> mean(len, difference < 0 ? INT16_MAX : INT16_MIN);
+  std::vector<std::vector<std::int16_t>> frames(one == 0 ? 3 : 21);
+  for (std::size_t r = 0; r < frames.size(); ++r)
+    frames[r].assign(
+        len, static_cast<std::int16_t>(mean[0] + (one == 0 || r == one ? difference : difference % 7)));
+  const Matrix<std::int16_t> matrix(Layout::pointers, frames, 0, 2);
+  const auto count = static_cast<std::int32_t>(frames.size());
+  std::vector<std::int32_t> scores(frames.size());
+  for (const auto &member : members<std::int16_t, std::int32_t>()) {
+    if (member.layout != Layout::pointers) continue;
+    for (const std::int32_t scaleFactor : {-1, 31}) {
+      ASSERT_EQ(member.call({nullptr, matrix.pointers(), 0, mean.data(), var.data(),
+                             static_cast<std::int32_t>(len), scores.data(), count, 5, scaleFactor}),
+                orvStsNoErr);
+      for (std::size_t r = 0; r < frames.size(); ++r) {
+        std::int64_t sum = 0;
+        for (std::size_t j = 0; j < len; ++j) {
+          const std::int64_t d = frames[r][j] - mean[j];
+          sum += d * d * (member.weighted ? var[j] : 1);
+        }
+        ASSERT_EQ(scores[r], exactScore(sum, 5, scaleFactor, member.low))
+            << member.name << ", frame " << r << ", length " << len << ", difference " << difference
+            << ", weight " << var[0];
+      }
+    }
   }
+}
+
+TEST(FrameBlock, IntegerSumsAreExact) {
+  for (const std::size_t len : {9U, 16U, 17U, 39U, 128U, 129U, 520U, 4099U}) {
+    const auto root = static_cast<int>(std::sqrt(INT32_MAX / std::ceil(static_cast<double>(len) / 8)));
+    for (const int weight : {INT16_MIN, INT16_MAX, 0x4000, 0x4001}) {
+      const std::vector<std::int16_t> var(len, static_cast<std::int16_t>(weight));
+      for (const int d :
+           {65535, 32768, 32767, 32766, root + 1, root, root - 1, -root, -32766, -32768, -65535})
+        checkGreatestSums(len, d, 0, var);
+      for (const std::size_t one : {1U, 2U, 20U}) checkGreatestSums(len, 40000, one, var);
+    }
+  }
+  const std::size_t most = 8 * 65540;  // of the greatest last 16 bits
+  checkGreatestSums(most, 1, 0, std::vector<std::int16_t>(most, -1));
 }
 
 }  // namespace

@@ -211,11 +211,15 @@ FrameFamily<T, R> addFamily(LowFactor factor) {
 
 enum class Data { random, whole };
 
+// Whole numbers are integers whose differences mostly fit 16 bits.
 template <class T>
 std::vector<T> draw(Random &random, std::size_t len, Data data, double low = -3) {
-  if constexpr (std::is_integral_v<T>)
-    return anyIntegers<T>(random, len);
-  else
+  if constexpr (std::is_integral_v<T>) {
+    std::vector<T> values = anyIntegers<T>(random, len);
+    if (data == Data::whole && random() % 16 != 0)
+      for (T &v : values) v = static_cast<T>(v >> 2);
+    return values;
+  } else
     return data == Data::whole ? wholeNumbers<T>(random, len, 9) : uniform<T>(random, len, low, 3);
 }
 
