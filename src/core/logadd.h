@@ -7,6 +7,7 @@
 #define ORV_CORE_LOGADD_H
 
 #include <cmath>
+#include <cstdint>
 
 namespace orv {
 
@@ -125,8 +126,8 @@ enum class Grouping {
   constantLast,   // (m + H u) + c0: mixtures
 };
 
-template <Grouping grouping>
-inline double logTerms(double m, double c0, double hu) {
+template <Grouping grouping, class T>
+inline T logTerms(T m, T c0, T hu) {
   return grouping == Grouping::constantFirst ? (m + c0) + hu : (m + hu) + c0;
 }
 
@@ -146,7 +147,7 @@ inline double pairedSum(double m, const double *c, double u) {
   const double low = (m + (c[10] + c[9] * u)) + (c[8] + c[7] * u) * u2;
   const double middle = (c[6] + c[5] * u) + (c[4] + c[3] * u) * u2;
   const double high = (c[2] + c[1] * u) + c[0] * u2;
-  return (low + middle * u4) + high * (u4 * u4);
+  return (low + high * (u4 * u4)) + middle * u4;  // middle is the last to be ready
 }
 
 // As logTail, rounded to single: the result of a running sum whose next step waits for it. Horner's chain
@@ -185,6 +186,15 @@ inline double logAddStep(const LogDomain64f &domain, double running, double scor
   if (LogDomain64f::dropBelow > d) return LogDomain64f::floored(m);
   return logTail<grouping>(domain, m, d);
 }
+
+// A running sum after a step for each value in turn.
+template <Grouping grouping>
+inline float addInTurn(const LogDomain32f &domain, float running, const float *values, std::int32_t count) {
+  for (std::int32_t i = 0; i < count; ++i) running = logAddStep<grouping>(domain, running, values[i]);
+  return running;
+}
+template <Grouping grouping>
+double addInTurn(const LogDomain64f &domain, double running, const double *values, std::int32_t count);
 
 }  // namespace orv
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "core/integer.h"
 #include "core/logadd.h"
@@ -29,20 +30,17 @@ bool isKnownHint(std::int32_t hint) {
   return hint == orvAlgHintNone || hint == orvAlgHintFast || hint == orvAlgHintAccurate;
 }
 
-// (m + c0) + H u of several pairs, given their larger values and differences and the rows of their segments.
-// Side by side, since each pair's polynomial is one chain of dependent steps.
-template <int degree, std::size_t pairs>
-inline void accurateSums(const typename SegmentPairs<degree>::Row *const (&rows)[pairs],
-                         const f64x2 (&m)[pairs], const f64x2 (&d)[pairs], f64x2 (&sums)[pairs]) {
-  f64x2 u[pairs], h[pairs];
-  for (std::size_t p = 0; p < pairs; ++p) u[p] = d[p] - loadAligned2(rows[p]->ends);
-  for (std::size_t p = 0; p < pairs; ++p) h[p] = loadAligned2(rows[p]->coefficients[0]);
-  for (int i = 1; i < degree; ++i) {
-    forgetRegisters();
-    for (std::size_t p = 0; p < pairs; ++p) h[p] = h[p] * u[p] + loadAligned2(rows[p]->coefficients[i]);
-  }
-  for (std::size_t p = 0; p < pairs; ++p)
-    sums[p] = (m[p] + loadAligned2(rows[p]->coefficients[degree])) + h[p] * u[p];
+// m, c0 and H u of several pairs put together, given their larger values and differences and the rows of
+// their segments. Side by side, since each pair's polynomial is one chain of dependent steps.
+template <Grouping grouping, int degree, std::size_t... p>
+[[gnu::always_inline]] inline void accurateSums(
+    std::index_sequence<p...>, const typename SegmentPairs<degree>::Row *const (&rows)[sizeof...(p)],
+    const f64x2 (&m)[sizeof...(p)], const f64x2 (&d)[sizeof...(p)], f64x2 (&sums)[sizeof...(p)]) {
+  const f64x2 u[] = {(d[p] - loadAligned2(rows[p]->ends))...};
+  f64x2 h[] = {loadAligned2(rows[p]->coefficients[0])...};
+  for (int i = 1; i < degree; ++i)
+    ((h[p] = h[p] * u[p] + loadAligned2(rows[p]->coefficients[i]), inOrder(h[p])), ...);
+  ((sums[p] = logTerms<grouping>(m[p], loadAligned2(rows[p]->coefficients[degree]), h[p] * u[p])), ...);
 }
 
 // The greatest single value that is not above d: a single value is above the one just when it is above the
@@ -83,7 +81,8 @@ struct Accurate32f {
       d[2 * i + 1] = widenHigh(difference);
     }
     if (signs(anyKept) != 0) {
-      accurateSums<Domain::degree>(rows, m, d, sums);
+      accurateSums<Grouping::constantFirst, Domain::degree>(std::make_index_sequence<2 * fours>(), rows, m, d,
+                                                            sums);
       for (int i = 0; i < fours; ++i)
         floored[i] = select(kept[i], narrow(sums[2 * i], sums[2 * i + 1]), floored[i]);
     }
@@ -91,7 +90,7 @@ struct Accurate32f {
   }
 };
 
-template <int pairs>
+template <int pairs, Grouping grouping = Grouping::constantFirst>
 struct Accurate64f {
   static constexpr int lanes = 2 * pairs;
 
@@ -111,7 +110,8 @@ struct Accurate64f {
       anyDropped = anyDropped | (d[p] < splat2(Domain::dropBelow));
       anyKept = anyKept | notLess(d[p], splat2(Domain::dropBelow));
     }
-    if (signs(anyKept) != 0) accurateSums<Domain::degree>(rows, m, d, sums);
+    if (signs(anyKept) != 0)
+      accurateSums<grouping, Domain::degree>(std::make_index_sequence<pairs>(), rows, m, d, sums);
     if (signs(anyDropped) != 0)
       for (int p = 0; p < pairs; ++p) {
         const f64x2 floored = select(m[p] < splat2(-9e9), splat2(Domain::zero), m[p]);
@@ -302,7 +302,70 @@ OrvStatus subtractIntegers(const Int *src, Int *srcDst, std::int32_t len, std::i
   return orvStsNoErr;
 }
 
+// H u of the tables of degree 21 with its terms taken in pairs: the same value up to rounding, from a fifth
+// of the latency.
+[[gnu::always_inline]] inline double pairedProduct(const double *c, double u) {
+  const double u2 = u * u, u4 = u2 * u2, u8 = u4 * u4;
+  const auto four = [&](int i) { return (c[i + 3] + c[i + 2] * u) + (c[i + 1] + c[i] * u) * u2; };
+  const double low = four(17) + four(13) * u4;
+  const double middle = four(9) + four(5) * u4;
+  const double high = four(1) + c[0] * u4;
+  return (low * u + high * (u8 * (u8 * u))) + middle * (u8 * u);
+}
+
+// As logAddStep, but for its last bits.
+template <Grouping grouping>
+[[gnu::always_inline]] inline double quickStep(const LogDomain64f &domain, double running, double score) {
+  const double m = running > score ? running : score;
+  const double d = -std::fabs(running - score);
+  if (LogDomain64f::dropBelow > d) return LogDomain64f::floored(m);
+  const LogSegment s(domain, d);
+  return logTerms<grouping>(m, s.coefficients[LogDomain64f::degree], pairedProduct(s.coefficients, s.u));
+}
+
+// Each step waits for the one before, and Horner's chain would be most of that wait. So the sum is run ahead
+// by the paired form, which nearly always rounds to the same, and then all steps are taken exactly, side by
+// side, from where they began in the run. Up to the first that ends elsewhere they are what single steps
+// give. Returns how many.
+template <Grouping grouping, std::int32_t ahead>
+std::int32_t runAhead(const LogDomain64f &domain, double &running, const double *values) {
+  double begins[ahead + 1], ends[ahead];
+  begins[0] = running;
+  for (std::int32_t k = 0; k < ahead; ++k)
+    begins[k + 1] = running = quickStep<grouping>(domain, running, values[k]);
+  std::memcpy(ends, begins, sizeof ends);
+  Accurate64f<ahead / 2, grouping>()(values, ends);
+  for (std::int32_t k = 0; k < ahead; ++k)
+    if (std::memcmp(ends + k, begins + k + 1, sizeof running) != 0) {
+      running = ends[k];
+      return k + 1;
+    }
+  return ahead;
+}
+
 }  // namespace
+
+template <Grouping grouping>
+double addInTurn(const LogDomain64f &domain, double running, const double *values, std::int32_t count) {
+  constexpr std::int32_t far = 16, near = 4;
+  std::int32_t i = 0, single = 0;
+  while (i < count) {
+    if (single > 0 || count - i < near) {
+      running = logAddStep<grouping>(domain, running, values[i++]);
+      --single;
+      continue;
+    }
+    const std::int32_t ahead = count - i >= far ? far : near;
+    const std::int32_t right = ahead == far ? runAhead<grouping, far>(domain, running, values + i)
+                                            : runAhead<grouping, near>(domain, running, values + i);
+    i += right;
+    single = ahead - right;  // where the run did not come to much, single steps go on for a while
+  }
+  return running;
+}
+
+template double addInTurn<Grouping::constantLast>(const LogDomain64f &, double, const double *, std::int32_t);
+
 }  // namespace orv
 
 using namespace orv;
@@ -313,7 +376,7 @@ OrvStatus orvsLogAdd_32f(const float *pSrc, float *pSrcDst, int32_t len, int32_t
   if (hint == orvAlgHintFast) {
     addFast(pSrc, pSrcDst, len);
   } else {
-    addAccurately<LogDomain32f, Accurate32f<2>, Accurate32f<1>>(pSrc, pSrcDst, len);
+    addAccurately<LogDomain32f, Accurate32f<4>, Accurate32f<2>, Accurate32f<1>>(pSrc, pSrcDst, len);
   }
   return orvStsNoErr;
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 #include "core/integer.h"
 #include "core/logadd.h"
@@ -134,6 +135,7 @@ class Mixture {
 
  private:
   static constexpr int kRoom = 64;
+  static constexpr int kInTurn = std::is_same_v<Sum, float> ? 1 : 16;  // in double many cost less together
   // The drop threshold in the type of the sums: no value of that type lies between the two.
   static constexpr Sum dropAbove = static_cast<Sum>(-Domain::dropBelow);
   static_assert(static_cast<double>(dropAbove) <= -Domain::dropBelow);
@@ -151,7 +153,9 @@ class Mixture {
           Domain::floored(running) == running) {
         i += 4;
       } else {
-        running = logAddStep<Grouping::constantLast>(domain_, running, waiting_[i++]);
+        const int more = std::min(count_ - i, kInTurn);
+        running = addInTurn<Grouping::constantLast>(domain_, running, waiting_ + i, more);
+        i += more;
       }
     }
     running_ = running;

@@ -330,6 +330,11 @@ inline double sumLanes(f64x4 a) { return sumLanes(a.low + a.high); }
 // value would have to leave.
 inline void forgetRegisters() { asm volatile("" : : : "memory"); }
 
+// Whatever is computed from a is computed after this, and what it comes from before, in the order of these
+// calls: chains of steps stay side by side, as they are written. (The compiler would rather finish one chain
+// after the other, and the processor does not look far enough ahead to put that right.)
+inline void inOrder(f64x2 &a) { asm volatile("" : "+x"(a.v)); }
+
 // The same value, of which the compiler knows nothing more: what is computed from it is computed where it is
 // used, as part of an address, instead of being kept.
 template <class T>
