@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
+#include <utility>
 
 #include "gauss/reference.h"
 
@@ -73,18 +73,24 @@ TEST(Shortlist, TogglesWhatIsListed) {
             fill.byRow ? flip(expected[l], bitOffset + index) : flip(expected[index], bitOffset + l);
           }
         }
-        const auto call = [&] {
+        const auto call = [&](std::size_t bytes) {
           return fill.call(indices.data(), counts.data(), perList, dst.pointers.data(),
-                           static_cast<std::int32_t>(rows), static_cast<std::int32_t>(rowBytes),
+                           static_cast<std::int32_t>(rows), static_cast<std::int32_t>(bytes),
                            static_cast<std::int32_t>(bitOffset), static_cast<std::int32_t>(width));
         };
-        ASSERT_EQ(call(), orvStsNoErr);
+        ASSERT_EQ(call(rowBytes), orvStsNoErr);
         ASSERT_EQ(dst.values(), expected) << "width " << width << ", offset " << bitOffset;
-        ASSERT_EQ(call(), orvStsNoErr);
+        ASSERT_EQ(call(rowBytes), orvStsNoErr);
         ASSERT_EQ(dst.values(), before) << "listed twice";
+        ASSERT_EQ(call(rowBytes - 1), rowBytes > 1 ? orvStsStrideErr : orvStsSizeErr);
+        if (fill.var) {
+          const std::int32_t count = std::exchange(counts[bitOffset % lists], 0);
+          ASSERT_EQ(call(rowBytes), orvStsSizeErr);
+          counts[bitOffset % lists] = count;
+        }
         for (const auto wrong : {static_cast<std::int32_t>(limit), -1, INT32_MIN}) {
-          indices.back() = wrong;
-          ASSERT_EQ(call(), orvStsBadArgErr);
+          indices[bitOffset % indices.size()] = wrong;
+          ASSERT_EQ(call(rowBytes), orvStsBadArgErr);
           ASSERT_EQ(dst.values(), before) << "written before all indices were tested";
         }
       }
@@ -145,7 +151,8 @@ TEST(SignTable, UnitesTableRows) {
         for (Bytes &row : table)  // mostly clear, but for what lies outside
           for (std::size_t b = 0; b < bits; ++b)
             if (bitOf(row, bitOffset + b) && random() % 8 != 0) flip(row, bitOffset + b);
-        std::vector<std::int32_t> counts(rows, 3);
+        const std::size_t perRow = 1 + random() % 3;
+        std::vector<std::int32_t> counts(rows, static_cast<std::int32_t>(perRow));
         std::vector<std::uint8_t> entries;
         for (std::int32_t &count : counts) {
           if (var) count = static_cast<std::int32_t>(1 + random() % 4);
@@ -157,7 +164,7 @@ TEST(SignTable, UnitesTableRows) {
         std::vector<std::uint8_t *> read(height);  // what no output row reads may be missing
         for (std::size_t r = 0; r < rows; ++r)
           for (std::size_t i = 0; i < static_cast<std::size_t>(counts[r]); ++i) {
-            const std::size_t entry = entries[var ? i : 3 * r + i];
+            const std::size_t entry = entries[var ? i : perRow * r + i];
             read[entry] = source.pointers[entry];
             for (std::size_t b = 0; b < bits; ++b) {
               if (!bitOf(table[entry], bitOffset + b)) continue;
@@ -172,8 +179,8 @@ TEST(SignTable, UnitesTableRows) {
             var ? orvsBuildSignTable_Var_8u1u(entries.data(), counts.data(), source.readOnly(), n(height),
                                               n(table[0].size()), n(bitOffset), result.data(), n(rows),
                                               n(bits))
-                : orvsBuildSignTable_8u1u(entries.data(), 3, source.readOnly(), n(height), n(table[0].size()),
-                                          n(bitOffset), result.data(), n(rows), n(bits)),
+                : orvsBuildSignTable_8u1u(entries.data(), n(perRow), source.readOnly(), n(height),
+                                          n(table[0].size()), n(bitOffset), result.data(), n(rows), n(bits)),
             orvStsNoErr);
         for (std::size_t r = 0; r < rows; ++r)
           for (std::size_t k = 0; k < dstBytes; ++k)
