@@ -18,13 +18,13 @@ namespace orv::test {
 
 enum class Layout { strided, pointers };
 
-// Rows in one array, with what lies between them poisoned, or each row in an array of its own at an address
-// of its own. Rows end where their memory ends.
+// Rows in one array, with what lies between them poisoned, or each row in an array of its own, so many in
+// turn at the same distance from a 16-byte boundary. Rows end where their memory ends.
 template <class T>
 class Matrix {
  public:
   Matrix(Layout layout, const std::vector<std::vector<T>> &rows, std::int32_t step, std::size_t offset,
-         std::size_t apart = 5) {
+         std::size_t alike = 1) {
     if (layout == Layout::strided) {
       const auto stride = static_cast<std::size_t>(step);
       std::vector<T> all((rows.size() - 1) * stride + rows[0].size(), poison());
@@ -34,7 +34,7 @@ class Matrix {
       for (std::size_t r = 0; r < rows.size(); ++r) pointers_.push_back(arrays_[0]->data() + r * stride);
     } else {
       for (std::size_t r = 0; r < rows.size(); ++r) {
-        arrays_.push_back(std::make_unique<Guarded<T>>(rows[r], (offset + apart * r) % 16));
+        arrays_.push_back(std::make_unique<Guarded<T>>(rows[r], (offset + 5 * (r / alike)) % 16));
         pointers_.push_back(arrays_[r]->data());
       }
     }
@@ -50,6 +50,11 @@ class Matrix {
   std::vector<std::unique_ptr<Guarded<T>>> arrays_;
   std::vector<const T *> pointers_;
 };
+
+// How many of them: all, or those of a first group of four but not all of the second.
+inline std::size_t alikeOf(Random &random, std::size_t rows) {
+  return random() % 2 == 0 ? rows : rows % 2 == 0 ? 5 : 7;
+}
 
 // What the argument types of a member say of it.
 template <class F>
