@@ -78,37 +78,55 @@ struct Rounds {
   static constexpr std::int32_t kFrames = 8, kRoom = 64;
   std::int32_t first, frames;
   std::int32_t count[kFrames];  // of each frame's Gaussians
-  std::int32_t rounds;          // the greatest of these
+  std::int32_t rounds, total;   // the greatest of these, and their sum
   std::int32_t m[kRoom];        // frame f takes m[frames * r + f] in round r
   float scores[kRoom];          // in the same order
 };
 
-// The scores are those of orvsLogGaussSingle_*. Four with the same head are formed together.
+// A frame's Gaussian in a round, and where its score goes.
+struct Place {
+  std::int32_t f, m, i;
+};
+
+// The score is that of orvsLogGaussSingle_*.
+template <class Form, Weighting weighting, class Rows, class Score>
+[[gnu::noinline]] void scoreOne(const Selection<Rows> &selection, std::int32_t len, const float *gconst,
+                                const Score &score, const Place &place, Rounds &rounds) {
+  const auto row = selection.row(rounds.first + place.f, place.m);
+  rounds.scores[place.i] = scoreRow<Form, weighting>(row, len, row.w, load(gconst + place.m), score);
+}
+
+// All of them; four with the same head are formed together.
 template <class Form, Weighting weighting, class Rows, class Score>
 void scoreRounds(const Selection<Rows> &selection, std::int32_t len, const float *gconst, const Score &score,
                  Rounds &rounds) {
   constexpr int heads = Form::peels ? Form::Lanes::lanes : 1;
-  struct Place {
-    std::int32_t f, m, i;
-  } places[heads][Rounds::kRoom];
+  Place places[heads][Rounds::kRoom];
   std::int32_t counts[heads] = {};
+  const auto one = [&](const Place &p) {
+    scoreOne<Form, weighting>(selection, len, gconst, score, p, rounds);
+  };
+  const auto each = [&](auto take) {
+    for (std::int32_t f = 0; f < rounds.frames; ++f)
+      for (std::int32_t r = 0; r < rounds.count[f]; ++r) {
+        const std::int32_t i = rounds.frames * r + f;
+        take(Place{f, rounds.m[i], i});
+      }
+  };
+  if (rounds.total < 4) {
+    each(one);
+    return;
+  }
+  each([&](const Place &place) {
+    const std::int32_t head = Form::peels ? alignedHead(selection.weights.row(place.m), len) : 0;
+    if (head < Form::Lanes::lanes && len - head >= 8) {
+      places[head][counts[head]++] = place;
+    } else {
+      one(place);
+    }
+  });
   const auto row = [&](const Place &p) { return selection.row(rounds.first + p.f, p.m); };
   const auto constant = [&](const Place &p) { return load(gconst + p.m); };
-  const auto one = [&](const Place &p) {
-    const auto r = row(p);
-    rounds.scores[p.i] = scoreRow<Form, weighting>(r, len, r.w, constant(p), score);
-  };
-  for (std::int32_t f = 0; f < rounds.frames; ++f)
-    for (std::int32_t r = 0; r < rounds.count[f]; ++r) {
-      const std::int32_t i = rounds.frames * r + f;
-      const Place place{f, rounds.m[i], i};
-      const std::int32_t head = Form::peels ? alignedHead(selection.weights.row(place.m), len) : 0;
-      if (head < Form::Lanes::lanes && len - head >= 8) {
-        places[head][counts[head]++] = place;
-      } else {
-        one(place);
-      }
-    }
   for (int head = 0; head < heads; ++head) {
     const Place *p = places[head];
     const Place *const end = p + counts[head];
@@ -144,14 +162,19 @@ void addRounds(const LogDomain32f &domain, const Rounds &rounds, std::int16_t *t
   for (std::int32_t r = 0; r < rounds.rounds; ++r) {
     const float *const scores = rounds.scores + r * rounds.frames;
     for (std::int32_t f = 0; f < rounds.frames;) {
-      const std::int32_t begin = f;
-      for (; f < rounds.frames && r < rounds.count[f] && taken[f] != 0; ++f) taken[f] = wrap16(taken[f] + 1);
-      addLogs(domain, scores + begin, sums + begin, f - begin);
-      if (f < rounds.frames && r < rounds.count[f]) {
+      if (r >= rounds.count[f]) {
+        ++f;
+      } else if (taken[f] == 0) {
         sums[f] = scores[f];
-        taken[f] = 1;
+        taken[f++] = 1;
+      } else {
+        const std::int32_t begin = f;
+        do {
+          taken[f] = wrap16(taken[f] + 1);
+          ++f;
+        } while (f < rounds.frames && r < rounds.count[f] && taken[f] != 0);
+        addLogs(domain, scores + begin, sums + begin, f - begin);
       }
-      ++f;
     }
   }
 }
@@ -164,24 +187,25 @@ OrvStatus scoreSelected(const Selection<Rows> &selection, std::int32_t len, cons
                         std::int32_t frames, float defaultValue) {
   const WorkArray<std::int16_t> taken(frames);
   if (!taken) return orvStsMemAllocErr;
-  orvsSet_16s(0, taken.get(), frames);
-
   const std::int64_t rowBytes = (std::int64_t{nMix} + 7) / 8;
   const LogDomain32f domain;
   Rounds rounds;
   for (rounds.first = 0; rounds.first < frames; rounds.first += rounds.frames) {
     rounds.frames = std::min(Rounds::kFrames, frames - rounds.first);
     Selected selected[Rounds::kFrames];
-    for (std::int32_t f = 0; f < rounds.frames; ++f)
-      selected[f] = Selected(bits + (rounds.first + f) * rowBytes, nMix);
     std::int16_t *const takenHere = taken.get() + rounds.first;
+    for (std::int32_t f = 0; f < rounds.frames; ++f) {
+      selected[f] = Selected(bits + (rounds.first + f) * rowBytes, nMix);
+      takenHere[f] = 0;
+    }
     float sums[Rounds::kFrames] = {};
     const std::int32_t most = Rounds::kRoom / rounds.frames;
     do {
-      rounds.rounds = 0;
+      rounds.rounds = rounds.total = 0;
       for (std::int32_t f = 0; f < rounds.frames; ++f) {
         rounds.count[f] = selected[f].take(most, rounds.m + f, rounds.frames);
         rounds.rounds = std::max(rounds.rounds, rounds.count[f]);
+        rounds.total += rounds.count[f];
       }
       scoreRounds<Form, weighting>(selection, len, gconst, score, rounds);
       addRounds(domain, rounds, takenHere, sums);
