@@ -143,6 +143,7 @@ void addSelecting(const std::string &name, Ours ours, Pointers pointers) {
     const auto on = [size](auto work) {
       return [size, work] {
         Selection<T> in(size);
+        // Of the first frame no score is dropped so, and of the others about half.
         drawTogether<Family{weights, true, Then::mixture}, T, float>(in);
         return [work, data = std::move(in)]() mutable { work(data); };
       };

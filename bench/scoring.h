@@ -191,7 +191,7 @@ void drawTogether(Scoring<T, R> &in) {
       const auto i = static_cast<std::size_t>(r);
       const auto sum =
           PlainSum::sum<SumOf<R>, family.weights>(in.row(r), in.vectors.data(), in.weightsOf(r), in.size.len);
-      in.constants[i] = places[i] - sum * scoreFactor<T, R>();
+      in.constants[i] = places[i] + sum * scoreFactor<T, R>();
     }
   }
 }
