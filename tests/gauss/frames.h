@@ -215,7 +215,7 @@ enum class Data { random, whole };
 template <class T>
 std::vector<T> draw(Random &random, std::size_t len, Data data, double low = -3) {
   if constexpr (std::is_integral_v<T>) {
-    std::vector<T> values = anyIntegers<T>(random, len);
+    std::vector<T> values = integersOrAnEnd<T>(random, len);
     if (data == Data::whole && random() % 16 != 0)
       for (T &v : values) v = static_cast<T>(v >> 2);
     return values;

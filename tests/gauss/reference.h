@@ -66,6 +66,14 @@ struct Signature<OrvStatus (*)(Arguments...)> {
   static constexpr Layout layout = strided ? Layout::strided : Layout::pointers;
 };
 
+// Any integers, or one end of the range in all places.
+template <class T>
+std::vector<T> integersOrAnEnd(Random &random, std::size_t len) {
+  if (random() % 4 > 0) return anyIntegers<T>(random, len);
+  using Limits = std::numeric_limits<T>;
+  return std::vector<T>(len, random() % 2 == 0 ? Limits::min() : Limits::max());
+}
+
 // How many elements are taken one by one before p stands on a 16-byte boundary.
 template <class T>
 std::size_t headOf(const T *p, std::size_t len) {

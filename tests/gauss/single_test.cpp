@@ -171,7 +171,7 @@ class Problem {
   static std::vector<T> draw(Random &random, std::size_t len = 1, bool whole = false) {
     if (whole) return wholeNumbers<T>(random, len, 4);
     if constexpr (std::is_integral_v<T>)
-      return anyIntegers<T>(random, len);
+      return integersOrAnEnd<T>(random, len);
     else
       return uniform<T>(random, len, -3, 3);
   }
