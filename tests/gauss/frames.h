@@ -235,7 +235,7 @@ void checkFrames(const FrameMember<T, R> &member, const FrameFamily<T, R> &famil
   // All rows and vectors at the same distance from a 16-byte boundary, or each at one of its own.
   const bool together = random() % 2 == 0;
   const auto step = static_cast<std::int32_t>(together ? (len + 7) / 8 * 8 : len + random() % 4);
-  const Matrix<T> matrix(member.layout, frames, step, offset, together ? alikeOf(random, rows) : 1);
+  const Matrix<T> matrix(member.layout, frames, step, offset, together ? strayOf(random, rows) : 1);
   const Guarded<T> means(mean, together ? offset : (11 * offset + 3 * len) % 16);
   const Guarded<T> vars(var, together ? offset : (7 * offset + len) % 16);
   Guarded<R> results(rows, (3 * offset + 1) % 16);

@@ -114,11 +114,11 @@ class Mixture {
     // All rows and the vector at the same distance from a 16-byte boundary, or each at one of its own.
     const bool together = random_() % 2 == 0;
     const auto step = static_cast<std::int32_t>(together ? (len + 7) / 8 * 8 : len + random_() % 4);
-    const std::size_t alike = together ? alikeOf(random_, nMix) : 1;
+    const std::size_t stray = together ? strayOf(random_, nMix) : 1;
     const Guarded<T> vector(src, together ? offset : (11 * offset + 3 * len) % 16);
-    const Matrix<T> mean(member_.layout, means, step, offset, alike);
+    const Matrix<T> mean(member_.layout, means, step, offset, stray);
     const Matrix<T> var(member_.layout, member_.weighted ? vars : means, step,
-                        together ? offset : (7 * offset + len) % 16, alike);
+                        together ? offset : (7 * offset + len) % 16, stray);
     const Guarded<R> constants(gconst, (5 * offset) % 16);
     Guarded<R> result(1, (3 * offset + 1) % 16);
     ASSERT_EQ(member_.call({vector.data(), mean.base(), var.base(), mean.pointers(), var.pointers(),

@@ -108,8 +108,9 @@ void check(const Member<T, R> &member, const FrameFamily<T, R> &family, Random &
 
   const auto step = static_cast<std::int32_t>(len + random() % 4);
   const Guarded<T> vector(src, offset());
-  const Matrix<T> mean(member.layout, means, step, offset());
-  const Matrix<T> var(member.layout, vars, step, offset());
+  const std::size_t stray = random() % 2 == 0 ? strayOf(random, count) : 1;
+  const Matrix<T> mean(member.layout, means, step, offset(), stray);
+  const Matrix<T> var(member.layout, vars, step, offset(), stray);
   const Guarded<R> constants(gconst, offset());
   Guarded<R> results(count, offset());
   std::vector<FrameCase<T, R>> cases;

@@ -18,13 +18,14 @@ namespace orv::test {
 
 enum class Layout { strided, pointers };
 
-// Rows in one array, with what lies between them poisoned, or each row in an array of its own, so many in
-// turn at the same distance from a 16-byte boundary. Rows end where their memory ends.
+// Rows in one array, with what lies between them poisoned, or each row in an array of its own: at a distance
+// of its own from a 16-byte boundary or, but for one in so many, at the same. Rows end where their memory
+// ends.
 template <class T>
 class Matrix {
  public:
   Matrix(Layout layout, const std::vector<std::vector<T>> &rows, std::int32_t step, std::size_t offset,
-         std::size_t alike = 1) {
+         std::size_t stray = 1) {
     if (layout == Layout::strided) {
       const auto stride = static_cast<std::size_t>(step);
       std::vector<T> all((rows.size() - 1) * stride + rows[0].size(), poison());
@@ -34,7 +35,10 @@ class Matrix {
       for (std::size_t r = 0; r < rows.size(); ++r) pointers_.push_back(arrays_[0]->data() + r * stride);
     } else {
       for (std::size_t r = 0; r < rows.size(); ++r) {
-        arrays_.push_back(std::make_unique<Guarded<T>>(rows[r], (offset + 5 * (r / alike)) % 16));
+        arrays_.push_back(std::make_unique<Guarded<T>>(rows[r], (offset + (stray == 1             ? 5 * r
+                                                                           : (r + 1) % stray == 0 ? 4
+                                                                                                  : 0)) %
+                                                                    16));
         pointers_.push_back(arrays_[r]->data());
       }
     }
@@ -51,9 +55,9 @@ class Matrix {
   std::vector<const T *> pointers_;
 };
 
-// How many of them: all, or those of a first group of four but not all of the second.
-inline std::size_t alikeOf(Random &random, std::size_t rows) {
-  return random() % 2 == 0 ? rows : rows % 2 == 0 ? 5 : 7;
+// One in how many: none, or one of the second four.
+inline std::size_t strayOf(Random &random, std::size_t rows) {
+  return random() % 2 == 0 ? rows + 1 : 5 + random() % 4;
 }
 
 // What the argument types of a member say of it.
