@@ -71,6 +71,7 @@ struct SharedRow {
 
 // Eight such rows, which share b, and may share w. They are too many streams for the processor to fetch ahead
 // by itself: the vectors at an element ask for as much of the eight rows that follow as they read themselves.
+// In single precision asking for the weights costs more than it gains, once the rows have been asked for.
 template <class T, class W>
 struct EightRowsApart {
   static constexpr int groups = 2;
@@ -88,7 +89,7 @@ struct EightRowsApart {
     const std::uintptr_t i = (eightRows + 8 * static_cast<std::uintptr_t>(element)) * sizeof(T) + ahead;
     simd::prefetch(addressOf(a.first) + i);
     simd::prefetch(addressOf(a.first) + i + line);
-    if constexpr (std::is_same_v<W, RowsApart<T>>)
+    if constexpr (std::is_same_v<W, RowsApart<T>> && std::is_same_v<T, double>)
       if (weighting != Weighting::none) {
         simd::prefetch(addressOf(w.first) + i);
         simd::prefetch(addressOf(w.first) + i + line);
