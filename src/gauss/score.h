@@ -1,9 +1,12 @@
 // From sums to scores, and the walk over the rows. A family is put together from
 //
 //   a block      which rows meet which vector                          rows.h
+//   a weighting  none, or inverse variances                            distance.h
 //   a form       the number types of elements and sums                 forms.h, exact.h
 //   a score      where the 1/2, the gconst and the scale enter         here
 //   a sink       what becomes of a score                               sinks.h
+//
+// Variances to divide by, and block-diagonal covariances, weigh single vectors only: single.cpp.
 
 #ifndef ORV_GAUSS_SCORE_H
 #define ORV_GAUSS_SCORE_H

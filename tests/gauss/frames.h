@@ -273,6 +273,8 @@ void sweepFrames(const std::vector<FrameMember<T, R>> &members, const FrameFamil
                         static_cast<std::int32_t>(random() % 48) - 8);
             if (::testing::Test::HasFatalFailure()) return;
           }
+    for (std::size_t rows = 60; rows < 330; rows += 11)  // more than wait for one another
+      checkFrames(member, family, random, rows, 1 + rows % 9, rows % 16, Data::random, 3);
   }
 }
 

@@ -107,7 +107,7 @@ void checkSingle(OrvStatus (*distance)(const T *, const T *, const T *, int32_t,
       const std::vector<T> src = draw<T>(random, len, Data::random);
       const std::vector<T> mean = random() % 8 == 0 ? src : draw<T>(random, len, Data::random);
       const std::vector<T> var = draw<T>(random, len, Data::random, 0);
-      const Guarded<T> x(src, 5 * offset % 16);
+      const Guarded<T> x(src, (5 * offset + 3 * len) % 16);
       const Guarded<T> y(mean, (offset + 1) % 16);
       const Guarded<T> w(var, offset);
       Guarded<R> result(1, (3 * offset + 1) % 16);

@@ -148,6 +148,8 @@ void sweep(const std::vector<Member<T, R>> &members, const FrameFamily<T, R> &fa
             check(member, family, random, count, len, data, static_cast<std::int32_t>(random() % 48) - 8);
             if (::testing::Test::HasFatalFailure()) return;
           }
+    for (std::size_t count = 60; count < 330; count += 11)
+      check(member, family, random, count, 1 + count % 9, Data::random, 3);
     if (std::is_integral_v<T>)
       for (const std::int32_t scaleFactor : scaleFactors())
         for (std::size_t n = 0; n < 40; ++n)
