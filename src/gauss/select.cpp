@@ -180,13 +180,16 @@ void addRounds(const LogDomain32f &domain, const Rounds &rounds, std::int16_t *t
 }
 
 // Gaussians enter a frame's sum in ascending order, the first as it is: no frame with a bit sees the
-// log-domain zero. Some frames go side by side, since a frame's additions wait for one another.
+// log-domain zero that all results start from. Some frames go side by side, since a frame's additions wait
+// for one another.
 template <class Form, Weighting weighting, class Rows, class Score>
 OrvStatus scoreSelected(const Selection<Rows> &selection, std::int32_t len, const float *gconst,
                         const std::uint8_t *bits, std::int32_t nMix, const Score &score, float *result,
                         std::int32_t frames, float defaultValue) {
   const WorkArray<std::int16_t> taken(frames);
   if (!taken) return orvStsMemAllocErr;
+  orvsSet_16s(0, taken.get(), frames);
+  orvsSet_32f(static_cast<float>(LogDomain32f::zero), result, frames);
   const std::int64_t rowBytes = (std::int64_t{nMix} + 7) / 8;
   const LogDomain32f domain;
   Rounds rounds;
@@ -194,10 +197,8 @@ OrvStatus scoreSelected(const Selection<Rows> &selection, std::int32_t len, cons
     rounds.frames = std::min(Rounds::kFrames, frames - rounds.first);
     Selected selected[Rounds::kFrames];
     std::int16_t *const takenHere = taken.get() + rounds.first;
-    for (std::int32_t f = 0; f < rounds.frames; ++f) {
+    for (std::int32_t f = 0; f < rounds.frames; ++f)
       selected[f] = Selected(bits + (rounds.first + f) * rowBytes, nMix);
-      takenHere[f] = 0;
-    }
     float sums[Rounds::kFrames] = {};
     const std::int32_t most = Rounds::kRoom / rounds.frames;
     do {
